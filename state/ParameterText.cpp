@@ -48,10 +48,11 @@ std::string valueToText (ParameterId id, float real, bool forceSingleLabel)
 
     if (row.stateLabels.size() > 1)
     {
-        const long index = static_cast<long> (real);
-        if (index < 0 || static_cast<std::size_t> (index) >= row.stateLabels.size())
+        // Cut to an integer, so -0.5 is state 0; what cuts to no state is an error.
+        if (!(real > -1.0f && real < static_cast<float> (row.stateLabels.size())))
             throw std::out_of_range ("invalid vector<T> subscript");
-        return row.stateLabels[static_cast<std::size_t> (index)];
+        const auto index = static_cast<std::size_t> (real < 0.0f ? 0.0f : real);
+        return row.stateLabels[index];
     }
     if (row.stateLabels.size() == 1)
     {
