@@ -4,7 +4,7 @@
 #include "core/TRQMeterParameter.h"
 #include "dsp/HVNAbstractDSP.h"
 #include "state/ParameterCatalogue.h"
-#include "state/ParameterConversion.h"
+#include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
 
 namespace
@@ -56,8 +56,8 @@ TRQAudioProcessor::TRQAudioProcessor()
     for (int i = 0; i < numParameters; ++i)
     {
         const auto id = static_cast<ParameterId> (i);
-        const auto& spec = ParameterCatalogue::get (id);
-        auto parameter = std::make_unique<TRQAudioParameter> (juce::String (i), juce::String (spec.name), juce::String(),
+        const auto& spec = ParameterCatalogue::row (id);
+        auto parameter = std::make_unique<TRQAudioParameter> (juce::String (i), juce::String::fromUTF8 (spec.name.c_str()), juce::String(),
                                                               spec.defaultValue, spec.defaultValue);
         parameters[static_cast<size_t> (i)] = parameter.get();
         addParameter (parameter.release());
@@ -69,7 +69,7 @@ TRQAudioProcessor::TRQAudioProcessor()
         for (size_t m = 0; m < meters.size(); ++m)
         {
             auto meter = std::make_unique<TRQMeterParameter> (numParameters + static_cast<int> (m),
-                                                              juce::String (meters[m].name), meters[m].kind);
+                                                              juce::String::fromUTF8 (meters[m].name.c_str()), meters[m].kind);
             meterParameters.push_back (meter.get());
             addParameter (meter.release());
         }
@@ -78,13 +78,13 @@ TRQAudioProcessor::TRQAudioProcessor()
 
 TRQAudioProcessor::~TRQAudioProcessor() = default;
 
-const juce::String TRQAudioProcessor::getName() const { return ParameterCatalogue::product().displayName; }
+const juce::String TRQAudioProcessor::getName() const { return juce::String::fromUTF8 (ParameterCatalogue::product().displayName.c_str()); }
 
 juce::StringArray TRQAudioProcessor::getAlternateDisplayNames() const
 {
     juce::StringArray names;
     for (const auto& name : ParameterCatalogue::product().alternateNames)
-        names.add (name);
+        names.add (juce::String::fromUTF8 (name.c_str()));
     return names;
 }
 
@@ -125,20 +125,17 @@ void TRQAudioProcessor::prepareToPlay (double sampleRate, int maximumBlockSize)
         updateLatency();
 
         if (isAAX())
-            dsp->resetOnTransportStart = true;
+            dsp->setResetOnTransportStart (true);
 
-        std::vector<uint32_t> codes;
+        std::vector<int32_t> codes;
         if (getBusCount (true) > 0)
             for (auto type : getBus (true, 0)->getCurrentLayout().getChannelTypes())
-                codes.push_back (channelCode (static_cast<int> (type)));
+                codes.push_back (static_cast<int32_t> (channelCode (static_cast<int> (type))));
         dsp->setChannelCodes (codes);
 
-        inputBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (ins));
-        outputBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (outs));
-        sidechainBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (scs));
-        inputBlock.resize (blockSize);
-        outputBlock.resize (blockSize);
-        sidechainBlock.resize (blockSize);
+        inputBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (ins), blockSize);
+        outputBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (outs), blockSize);
+        sidechainBlock = HVNAudioBuffer<float> (static_cast<uint32_t> (scs), blockSize);
     }
 
     if (!stateHasBeenSet)
@@ -181,8 +178,7 @@ void TRQAudioProcessor::updateLatency()
 {
     if (dsp == nullptr)
         return;
-    const auto latency = static_cast<int> (dsp->swapInProgress && dsp->nextDSPReady ? dsp->pendingLatency.load()
-                                                                                     : dsp->currentLatency.load());
+    const auto latency = static_cast<int> (dsp->latencyToReport());
     if (latency != getLatencySamples())
         setLatencySamples (latency);
 }
@@ -205,21 +201,23 @@ void TRQAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, 
 
 void TRQAudioProcessor::updateTransport()
 {
-    HVNPublicDSP::Transport transport;
+    bool isPlaying = false;
+    TransportInfo info;
+    double timeInSeconds = 0.0;
+    int32_t frameRate = 99;
     if (auto* playHead = getPlayHead())
     {
         if (const auto position = playHead->getPosition())
         {
-            transport.isPlaying = position->getIsPlaying();
-            transport.ppqPosition = position->getPpqPosition().orFallback (0.0);
-            transport.tempo = position->getBpm().orFallback (120.0);
-            transport.timeInSeconds = position->getTimeInSeconds().orFallback (0.0);
-            transport.frameRateCode = frameRateCode (position->getFrameRate());
+            isPlaying = position->getIsPlaying();
+            info.ppqPosition = position->getPpqPosition().orFallback (0.0);
+            info.tempo = position->getBpm().orFallback (120.0);
+            timeInSeconds = position->getTimeInSeconds().orFallback (0.0);
+            frameRate = frameRateCode (position->getFrameRate());
         }
     }
-    dsp->updateTransport (transport);
+    dsp->updateTransport (isPlaying, info.ppqPosition, info.tempo, timeInSeconds, frameRate);
 
-    const TransportInfo info {transport.ppqPosition, transport.tempo};
     const auto deliver = [info] (TRQAudioProcessor& p) { p.transportInfo = info; };
     audioToMessageA.post (deliver);
     audioToMessageB.post (deliver);
@@ -246,7 +244,7 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
     for (int i = 0; i < numParameters; ++i)
         dsp->setParameter (static_cast<uint32_t> (i), values[i], false);
 
-    const int numSamples = std::min (buffer.getNumSamples(), static_cast<int> (inputBlock.frames));
+    const int numSamples = std::min (buffer.getNumSamples(), static_cast<int> (inputBlock.frames()));
     if (numSamples <= 0)
         return;
     const auto n = static_cast<uint32_t> (numSamples);
@@ -254,8 +252,8 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
     // Copying between the host's pointers and our own blocks keeps the DSP safe
     // from hosts that alias input and output channels.
     auto mainIn = getBusBuffer (buffer, true, 0);
-    for (int c = 0; c < static_cast<int> (inputBlock.channels) && c < mainIn.getNumChannels(); ++c)
-        std::copy_n (mainIn.getReadPointer (c), numSamples, inputBlock.channelPointers[static_cast<size_t> (c)]);
+    for (int c = 0; c < static_cast<int> (inputBlock.channels()) && c < mainIn.getNumChannels(); ++c)
+        std::copy_n (mainIn.getReadPointer (c), numSamples, inputBlock.channel (static_cast<uint32_t> (c)));
 
     bool hasSidechain = false;
     if (getBusCount (true) > 1 && getChannelCountOfBus (true, 1) > 0)
@@ -263,9 +261,9 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
         auto side = getBusBuffer (buffer, true, 1);
         if (side.getNumChannels() > 0 && side.getReadPointer (0) != nullptr)
         {
-            for (int c = 0; c < static_cast<int> (sidechainBlock.channels) && c < side.getNumChannels(); ++c)
+            for (int c = 0; c < static_cast<int> (sidechainBlock.channels()) && c < side.getNumChannels(); ++c)
                 std::copy_n (side.getReadPointer (c), numSamples,
-                             sidechainBlock.channelPointers[static_cast<size_t> (c)]);
+                             sidechainBlock.channel (static_cast<uint32_t> (c)));
             hasSidechain = true;
         }
     }
@@ -273,8 +271,8 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
     dsp->process (inputBlock, outputBlock, sidechainBlock, n, hasSidechain);
 
     auto mainOut = getBusBuffer (buffer, false, 0);
-    for (int c = 0; c < static_cast<int> (outputBlock.channels) && c < mainOut.getNumChannels(); ++c)
-        std::copy_n (outputBlock.channelPointers[static_cast<size_t> (c)], numSamples, mainOut.getWritePointer (c));
+    for (int c = 0; c < static_cast<int> (outputBlock.channels()) && c < mainOut.getNumChannels(); ++c)
+        std::copy_n (outputBlock.channel (static_cast<uint32_t> (c)), numSamples, mainOut.getWritePointer (c));
 
     if (isAAX())
     {
@@ -323,7 +321,7 @@ void TRQAudioProcessor::setDefaultParameterValues()
 {
     for (auto* parameter : parameters)
     {
-        parameter->setValue (toNormalised (parameter->id, parameter->getPresetDefault()));
+        parameter->setValue (toNormalised (parameter->getId(), parameter->getPresetDefault()));
         parameter->sendValueChangedMessageToListeners (parameter->getValue());
     }
 }

@@ -88,7 +88,7 @@ TEST (TRQAudioProcessor, ReportsItsLatencyToListeners)
     p->prepareToPlay (48000.0, 256);
     EXPECT_GT (p->getLatencySamples(), 0);
     EXPECT_EQ (listener.latencyChanges, 1);
-    EXPECT_EQ (static_cast<uint32_t> (p->getLatencySamples()), p->getDSP()->currentLatency.load());
+    EXPECT_EQ (static_cast<uint32_t> (p->getLatencySamples()), p->getDSP()->getCurrentLatency());
     p->removeListener (&listener);
 }
 
@@ -260,5 +260,5 @@ TEST (TRQAudioProcessor, AAXAddsTheGainReductionMeterBehindTheParameters)
     EXPECT_FALSE (meter->isAutomatable());
     EXPECT_TRUE (aax->getDSP() == nullptr);
     aax->prepareToPlay (48000.0, 256);
-    EXPECT_TRUE (aax->getDSP()->resetOnTransportStart);
+    EXPECT_TRUE (aax->getDSP()->getResetOnTransportStart());
 }
