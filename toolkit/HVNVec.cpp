@@ -4,7 +4,10 @@
 
 namespace HVNVec
 {
-int start() { return 0; }
+int start()
+{
+    return 0;
+}
 
 void copy (const float* s, float* d, uint32_t n)
 {
