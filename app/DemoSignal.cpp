@@ -15,7 +15,7 @@ void addKick (juce::AudioBuffer<float>& out, int start, double rate)
         const double t = i / rate;
         const double frequency = 50.0 + 110.0 * std::exp (-t * 30.0);
         phase += twoPi * frequency / rate;
-        const float s = static_cast<float> (0.9 * std::sin (phase) * std::exp (-t * 9.0));
+        const float s = static_cast<float> (0.6 * std::sin (phase) * std::exp (-t * 9.0));
         for (int c = 0; c < out.getNumChannels(); ++c)
             out.addSample (c, start + i, s);
     }
@@ -27,10 +27,10 @@ void addSnare (juce::AudioBuffer<float>& out, int start, double rate, juce::Rand
     for (int i = 0; i < length && start + i < out.getNumSamples(); ++i)
     {
         const double t = i / rate;
-        const double tone = 0.3 * std::sin (twoPi * 185.0 * t) * std::exp (-t * 25.0);
+        const double tone = 0.2 * std::sin (twoPi * 185.0 * t) * std::exp (-t * 25.0);
         for (int c = 0; c < out.getNumChannels(); ++c)
         {
-            const double hiss = 0.45 * (noise.nextDouble() * 2.0 - 1.0) * std::exp (-t * 18.0);
+            const double hiss = 0.3 * (noise.nextDouble() * 2.0 - 1.0) * std::exp (-t * 18.0);
             out.addSample (c, start + i, static_cast<float> (tone + hiss));
         }
     }

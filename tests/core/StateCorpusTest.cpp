@@ -25,8 +25,10 @@ TEST (StateCorpus, EveryCollectedChunkIsReadSafely)
 
         const auto xml = juce::AudioProcessor::getXmlFromBinary (data.getData(), static_cast<int> (data.getSize()));
         if (data.getSize() <= 8 || xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
+        {
             for (int i = 0; i < 21; ++i)
                 EXPECT_EQ (p->getParameters()[i]->getValue(), before[static_cast<size_t> (i)]) << file.getFileName();
+        }
 
         for (int i = 0; i < 21; ++i)
         {
