@@ -57,7 +57,10 @@ TRQAudioProcessor::TRQAudioProcessor()
     {
         const auto id = static_cast<ParameterId> (i);
         const auto& spec = ParameterCatalogue::row (id);
-        auto parameter = std::make_unique<TRQAudioParameter> (juce::String (i), juce::String::fromUTF8 (spec.name.c_str()), juce::String(),
+        // LV2 turns parameter ids into names that may not start with a digit, so
+        // there the decimal index stands behind an underscore, as in the saved state.
+        const auto idText = wrapperType == wrapperType_LV2 ? "_" + juce::String (i) : juce::String (i);
+        auto parameter = std::make_unique<TRQAudioParameter> (idText, juce::String::fromUTF8 (spec.name.c_str()), juce::String(),
                                                               spec.defaultValue, spec.defaultValue);
         parameters[static_cast<size_t> (i)] = parameter.get();
         addParameter (parameter.release());

@@ -12,9 +12,11 @@ namespace
 // Automation and sessions are keyed on this version hint: never change it.
 constexpr int parameterVersionHint = 1;
 
+// The decimal index, optionally behind an underscore: LV2 needs parameter names
+// that don't start with a digit.
 ParameterId idFromText (const juce::String& parameterId)
 {
-    const int value = parameterId.getIntValue();
+    const int value = parameterId.trimCharactersAtStart ("_").getIntValue();
     return value < 0 ? kNumParameters : static_cast<ParameterId> (value);
 }
 } // namespace
