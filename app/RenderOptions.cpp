@@ -15,8 +15,8 @@ int parsePositiveInt (const juce::String& text, const juce::String& option, int 
         throw RenderUsageError (option + " expects a whole number, got \"" + text + "\"");
     const auto value = text.getLargeIntValue();
     if (value < low || value > high)
-        throw RenderUsageError (option + " must lie between " + juce::String (low) + " and "
-                                + juce::String (high) + ", got " + text);
+        throw RenderUsageError (option + " must lie between " + juce::String (low) + " and " +
+                                juce::String (high) + ", got " + text);
     return static_cast<int> (value);
 }
 } // namespace
@@ -47,7 +47,8 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
         else if (arg == "--rate")
             options.demoRate = parsePositiveInt (takeValue (args, i, arg), arg, 8000, 768000);
         else if (arg == "--sidechain")
-            options.sidechain = juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, arg));
+            options.sidechain =
+                juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, arg));
         else if (arg == "--bypass")
             options.bypass = true;
         else if (arg == "--json")

@@ -10,15 +10,18 @@
 class RenderUsageError : public std::runtime_error
 {
 public:
-    explicit RenderUsageError (const juce::String& message) : std::runtime_error (message.toStdString()) {}
+    explicit RenderUsageError (const juce::String& message)
+        : std::runtime_error (message.toStdString())
+    {
+    }
 };
 
 // The command line of zolk-render, parsed.
 struct RenderOptions
 {
-    juce::File input;     // none: render the built-in demo
+    juce::File input; // none: render the built-in demo
     juce::File output;
-    juce::File sidechain; // none: the sidechain bus carries silence
+    juce::File sidechain;                                        // none: the sidechain bus carries silence
     std::vector<std::pair<juce::String, juce::String>> settings; // parameter, value in real units
     int blockSize = 512;
     bool randomBlocks = false;

@@ -4,7 +4,10 @@
 
 namespace
 {
-double toDb (double linear) { return linear > 0.0 ? 20.0 * std::log10 (linear) : -std::numeric_limits<double>::infinity(); }
+double toDb (double linear)
+{
+    return linear > 0.0 ? 20.0 * std::log10 (linear) : -std::numeric_limits<double>::infinity();
+}
 
 // JSON has no infinity: silence is reported as null.
 juce::String jsonNumber (double value, int decimals)

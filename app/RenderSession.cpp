@@ -22,21 +22,25 @@ juce::AudioChannelSet channelSet (int channels)
 class BlockSizer
 {
 public:
-    BlockSizer (int maximum, bool random) : maximum (maximum), random (random) {}
-
-    int next()
+    BlockSizer (int maximum, bool random)
+        : maximum (maximum)
+        , random (random)
     {
-        return random ? 1 + generator.nextInt (maximum) : maximum;
     }
+
+    int next() { return random ? 1 + generator.nextInt (maximum) : maximum; }
 
 private:
     int maximum;
     bool random;
-    juce::Random generator {12345};
+    juce::Random generator{12345};
 };
 } // namespace
 
-RenderSession::RenderSession (RenderOptions o) : options (std::move (o)) {}
+RenderSession::RenderSession (RenderOptions o)
+    : options (std::move (o))
+{
+}
 
 juce::AudioProcessorParameter* RenderSession::findParameter (juce::AudioProcessor& processor,
                                                              const juce::String& name)
@@ -62,17 +66,17 @@ void RenderSession::applySetting (juce::AudioProcessor& processor, const juce::S
         throw RenderUsageError ("unknown parameter \"" + name + "\"");
 
     const auto trimmed = value.trim();
-    if (trimmed.isEmpty() || !trimmed.containsOnly ("0123456789+-.eE")
-        || !std::isfinite (trimmed.getDoubleValue()))
+    if (trimmed.isEmpty() || !trimmed.containsOnly ("0123456789+-.eE") ||
+        !std::isfinite (trimmed.getDoubleValue()))
         throw RenderUsageError ("value \"" + value + "\" for " + name + " is not a number");
 
     // The parameter's own text parser maps real units to its normalised range;
     // anything that lands outside 0..1 lies outside the parameter's range.
     const float normalised = parameter->getValueForText (trimmed);
     if (!(normalised >= -1.0e-6f && normalised <= 1.0f + 1.0e-6f))
-        throw RenderUsageError ("value " + trimmed + " is outside the range of " + name + " ("
-                                + parameter->getText (0.0f, 64).trim() + " to "
-                                + parameter->getText (1.0f, 64).trim() + ")");
+        throw RenderUsageError ("value " + trimmed + " is outside the range of " + name + " (" +
+                                parameter->getText (0.0f, 64).trim() + " to " +
+                                parameter->getText (1.0f, 64).trim() + ")");
 
     parameter->setValueNotifyingHost (juce::jlimit (0.0f, 1.0f, normalised));
 }
@@ -88,8 +92,8 @@ RenderSession::Audio RenderSession::readWav (const juce::File& file, const juce:
     if (reader == nullptr)
         throw RenderUsageError ("cannot read " + role + " " + file.getFullPathName() + ": not a WAV file");
     if (reader->numChannels < 1 || reader->numChannels > 2)
-        throw RenderUsageError (role + " " + file.getFullPathName() + " has " + juce::String (reader->numChannels)
-                                + " channels; 1 or 2 are supported");
+        throw RenderUsageError (role + " " + file.getFullPathName() + " has " +
+                                juce::String (reader->numChannels) + " channels; 1 or 2 are supported");
     if (reader->lengthInSamples > std::numeric_limits<int>::max() / 2)
         throw RenderUsageError (role + " " + file.getFullPathName() + " is too long");
 
@@ -100,7 +104,8 @@ RenderSession::Audio RenderSession::readWav (const juce::File& file, const juce:
     return audio;
 }
 
-void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, double sampleRate)
+void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio,
+                              double sampleRate)
 {
     // Written beside the target and moved into place, so a failed render never
     // leaves a partial file under the requested name.
@@ -111,8 +116,8 @@ void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<fl
             throw RenderUsageError ("cannot write output " + file.getFullPathName());
 
         juce::WavAudioFormat wav;
-        std::unique_ptr<juce::AudioFormatWriter> writer (
-            wav.createWriterFor (stream.get(), sampleRate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
+        std::unique_ptr<juce::AudioFormatWriter> writer (wav.createWriterFor (
+            stream.get(), sampleRate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
         if (writer == nullptr)
             throw RenderUsageError ("cannot write output " + file.getFullPathName());
         stream.release();
@@ -143,8 +148,9 @@ RenderReport RenderSession::run()
     {
         sidechain = readWav (options.sidechain, "sidechain");
         if (sidechain.sampleRate != input.sampleRate)
-            throw RenderUsageError ("sidechain rate " + juce::String (sidechain.sampleRate, 0)
-                                    + " Hz differs from the input's " + juce::String (input.sampleRate, 0) + " Hz");
+            throw RenderUsageError ("sidechain rate " + juce::String (sidechain.sampleRate, 0) +
+                                    " Hz differs from the input's " + juce::String (input.sampleRate, 0) +
+                                    " Hz");
     }
 
     const int ins = input.buffer.getNumChannels();

@@ -18,10 +18,12 @@ public:
     RenderReport run();
 
     // The parameter named by its identifier ("CompressionAmount") or host index.
-    static juce::AudioProcessorParameter* findParameter (juce::AudioProcessor& processor, const juce::String& name);
+    static juce::AudioProcessorParameter* findParameter (juce::AudioProcessor& processor,
+                                                         const juce::String& name);
 
     // Sets a parameter from a value in its real units, refusing values outside its range.
-    static void applySetting (juce::AudioProcessor& processor, const juce::String& name, const juce::String& value);
+    static void applySetting (juce::AudioProcessor& processor, const juce::String& name,
+                              const juce::String& value);
 
 private:
     struct Audio

@@ -29,9 +29,15 @@ void processBlock (benchmark::State& state)
     }
 
     state.SetItemsProcessed (state.iterations() * block);
-    state.counters["ns_per_frame"] = benchmark::Counter (static_cast<double> (state.iterations() * block),
-                                                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["ns_per_frame"] =
+        benchmark::Counter (static_cast<double> (state.iterations() * block),
+                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 } // namespace
 
-BENCHMARK (processBlock)->Name ("Processor/processBlock/48k_stereo")->Arg (32)->Arg (64)->Arg (256)->Arg (1024);
+BENCHMARK (processBlock)
+    ->Name ("Processor/processBlock/48k_stereo")
+    ->Arg (32)
+    ->Arg (64)
+    ->Arg (256)
+    ->Arg (1024);

@@ -2,6 +2,7 @@
 
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
+#include "state/ParameterRange.h"
 #include "toolkit/HVNDenormalGuard.h"
 #include "toolkit/HVNVec.h"
 
@@ -11,28 +12,6 @@
 
 namespace
 {
-struct StepRange
-{
-    float minimum, maximum, step;
-};
-
-// Range and snapping step of each parameter, in real units, by index.
-constexpr StepRange stepRanges[HVNParameterIndex::count] = {
-    {0.0f, 1.0f, 1.0f},      {-24.0f, 12.0f, 0.1f}, {0.0f, 100.0f, 1.0f}, {0.0f, 100.0f, 1.0f},
-    {0.0f, 100.0f, 1.0f},    {-24.0f, 12.0f, 0.1f}, {0.0f, 100.0f, 1.0f}, {0.1f, 8.0f, 0.1f},
-    {0.1f, 8.0f, 0.1f},      {0.0f, 1.0f, 1.0f},    {0.0f, 100.0f, 1.0f}, {0.0f, 2.0f, 1.0f},
-    {0.0f, 360.0f, 1.0f},    {-96.0f, 12.0f, 0.1f}, {0.0f, 2.0f, 1.0f},   {0.0f, 100.0f, 1.0f},
-    {0.0f, 1.0f, 1.0f},      {-36.0f, 0.0f, 0.1f},  {0.0f, 1.0f, 1.0f},   {0.0f, 100.0f, 1.0f},
-    {-100.0f, 100.0f, 1.0f},
-};
-
-float snapAndClamp (uint32_t index, float value)
-{
-    const auto& r = stepRanges[index];
-    const float snapped = std::round (value / r.step) * r.step;
-    return std::clamp (snapped, r.minimum, r.maximum);
-}
-
 uint32_t factorFor (double sampleRate)
 {
     return sampleRate <= 96000.0 ? 4u : 2u;
@@ -148,7 +127,7 @@ void HVNPublicDSP::setParameter (uint32_t index, float value, bool snap)
     if (value != record.value)
     {
         if (snap)
-            value = snapAndClamp (index, value);
+            value = ::snapAndClamp (static_cast<ParameterId> (index), value);
         if (record.uninitialised)
         {
             record.value = record.previousValue = value;

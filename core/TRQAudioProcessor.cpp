@@ -30,16 +30,26 @@ int frameRateCode (const juce::Optional<juce::AudioPlayHead::FrameRate>& rate)
         return 99;
     switch (rate->getType())
     {
-        case juce::AudioPlayHead::fps23976: return 0;
-        case juce::AudioPlayHead::fps24: return 1;
-        case juce::AudioPlayHead::fps25: return 2;
-        case juce::AudioPlayHead::fps2997: return 3;
-        case juce::AudioPlayHead::fps30: return 4;
-        case juce::AudioPlayHead::fps2997drop: return 5;
-        case juce::AudioPlayHead::fps30drop: return 6;
-        case juce::AudioPlayHead::fps60: return 7;
-        case juce::AudioPlayHead::fps60drop: return 8;
-        default: return 99;
+    case juce::AudioPlayHead::fps23976:
+        return 0;
+    case juce::AudioPlayHead::fps24:
+        return 1;
+    case juce::AudioPlayHead::fps25:
+        return 2;
+    case juce::AudioPlayHead::fps2997:
+        return 3;
+    case juce::AudioPlayHead::fps30:
+        return 4;
+    case juce::AudioPlayHead::fps2997drop:
+        return 5;
+    case juce::AudioPlayHead::fps30drop:
+        return 6;
+    case juce::AudioPlayHead::fps60:
+        return 7;
+    case juce::AudioPlayHead::fps60drop:
+        return 8;
+    default:
+        return 99;
     }
 }
 } // namespace
@@ -60,8 +70,9 @@ TRQAudioProcessor::TRQAudioProcessor()
         // LV2 turns parameter ids into names that may not start with a digit, so
         // there the decimal index stands behind an underscore, as in the saved state.
         const auto idText = wrapperType == wrapperType_LV2 ? "_" + juce::String (i) : juce::String (i);
-        auto parameter = std::make_unique<TRQAudioParameter> (idText, juce::String::fromUTF8 (spec.name.c_str()), juce::String(),
-                                                              spec.defaultValue, spec.defaultValue);
+        auto parameter =
+            std::make_unique<TRQAudioParameter> (idText, juce::String::fromUTF8 (spec.name.c_str()),
+                                                 juce::String(), spec.defaultValue, spec.defaultValue);
         parameters[static_cast<size_t> (i)] = parameter.get();
         addParameter (parameter.release());
     }
@@ -72,7 +83,8 @@ TRQAudioProcessor::TRQAudioProcessor()
         for (size_t m = 0; m < meters.size(); ++m)
         {
             auto meter = std::make_unique<TRQMeterParameter> (numParameters + static_cast<int> (m),
-                                                              juce::String::fromUTF8 (meters[m].name.c_str()), meters[m].kind);
+                                                              juce::String::fromUTF8 (meters[m].name.c_str()),
+                                                              meters[m].kind);
             meterParameters.push_back (meter.get());
             addParameter (meter.release());
         }
@@ -81,7 +93,10 @@ TRQAudioProcessor::TRQAudioProcessor()
 
 TRQAudioProcessor::~TRQAudioProcessor() = default;
 
-const juce::String TRQAudioProcessor::getName() const { return juce::String::fromUTF8 (ParameterCatalogue::product().displayName.c_str()); }
+const juce::String TRQAudioProcessor::getName() const
+{
+    return juce::String::fromUTF8 (ParameterCatalogue::product().displayName.c_str());
+}
 
 juce::StringArray TRQAudioProcessor::getAlternateDisplayNames() const
 {
@@ -95,10 +110,14 @@ uint32_t TRQAudioProcessor::channelCode (int type)
 {
     switch (type)
     {
-        case 25: return 26;
-        case 26: return 27;
-        case 27: return 25;
-        default: return static_cast<uint32_t> (type);
+    case 25:
+        return 26;
+    case 26:
+        return 27;
+    case 27:
+        return 25;
+    default:
+        return static_cast<uint32_t> (type);
     }
 }
 
@@ -109,10 +128,11 @@ void TRQAudioProcessor::prepareToPlay (double sampleRate, int maximumBlockSize)
     const int scs = getBusCount (true) > 1 ? getChannelCountOfBus (true, 1) : 0;
     const auto blockSize = static_cast<uint32_t> (std::max (1, maximumBlockSize));
 
-    const bool sameSettings = dsp != nullptr && blockSize <= dsp->getMaxBlockSize()
-                              && sampleRate == dsp->getSampleRate() && static_cast<uint32_t> (ins) == dsp->getNumInputs()
-                              && static_cast<uint32_t> (outs) == dsp->getNumOutputs()
-                              && static_cast<uint32_t> (scs) == dsp->getNumSidechains();
+    const bool sameSettings = dsp != nullptr && blockSize <= dsp->getMaxBlockSize() &&
+                              sampleRate == dsp->getSampleRate() &&
+                              static_cast<uint32_t> (ins) == dsp->getNumInputs() &&
+                              static_cast<uint32_t> (outs) == dsp->getNumOutputs() &&
+                              static_cast<uint32_t> (scs) == dsp->getNumSidechains();
     if (sameSettings)
     {
         dsp->reset();
@@ -151,7 +171,8 @@ void TRQAudioProcessor::applyLayoutDefaults (int ins, int outs)
     {
         const auto value = ParameterCatalogue::layoutDefault (static_cast<ParameterId> (i), ins, outs);
         if (value)
-            parameters[static_cast<size_t> (i)]->setValue (toNormalised (static_cast<ParameterId> (i), value.value));
+            parameters[static_cast<size_t> (i)]->setValue (
+                toNormalised (static_cast<ParameterId> (i), value.value));
     }
 }
 
@@ -171,10 +192,12 @@ void TRQAudioProcessor::announceDSP()
     info.numSidechains = current->numSidechains;
     info.meterMessaging = current->meterMessaging;
 
-    audioToMessageA.post ([info = std::move (info)] (TRQAudioProcessor& p) {
-        p.dspInfo = info;
-        p.dspAnnounced.emit();
-    });
+    audioToMessageA.post (
+        [info = std::move (info)] (TRQAudioProcessor& p)
+        {
+            p.dspInfo = info;
+            p.dspAnnounced.emit();
+        });
 }
 
 void TRQAudioProcessor::updateLatency()
@@ -233,7 +256,8 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
 
     float values[numParameters];
     for (int i = 0; i < numParameters; ++i)
-        values[i] = fromNormalised (static_cast<ParameterId> (i), parameters[static_cast<size_t> (i)]->getValue());
+        values[i] =
+            fromNormalised (static_cast<ParameterId> (i), parameters[static_cast<size_t> (i)]->getValue());
 
     // Host bypass reaches the DSP exactly as if the user had switched the plug-in off.
     if (!notBypassed)
@@ -264,7 +288,8 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
         auto side = getBusBuffer (buffer, true, 1);
         if (side.getNumChannels() > 0 && side.getReadPointer (0) != nullptr)
         {
-            for (int c = 0; c < static_cast<int> (sidechainBlock.channels()) && c < side.getNumChannels(); ++c)
+            for (int c = 0; c < static_cast<int> (sidechainBlock.channels()) && c < side.getNumChannels();
+                 ++c)
                 std::copy_n (side.getReadPointer (c), numSamples,
                              sidechainBlock.channel (static_cast<uint32_t> (c)));
             hasSidechain = true;
@@ -275,7 +300,8 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
 
     auto mainOut = getBusBuffer (buffer, false, 0);
     for (int c = 0; c < static_cast<int> (outputBlock.channels()) && c < mainOut.getNumChannels(); ++c)
-        std::copy_n (outputBlock.channel (static_cast<uint32_t> (c)), numSamples, mainOut.getWritePointer (c));
+        std::copy_n (outputBlock.channel (static_cast<uint32_t> (c)), numSamples,
+                     mainOut.getWritePointer (c));
 
     if (isAAX())
     {
@@ -285,28 +311,59 @@ void TRQAudioProcessor::processBlockCommon (juce::AudioBuffer<float>& buffer, bo
     }
 }
 
-double TRQAudioProcessor::getTailLengthSeconds() const { return 0.0; }
-bool TRQAudioProcessor::acceptsMidi() const { return false; }
-bool TRQAudioProcessor::producesMidi() const { return false; }
-bool TRQAudioProcessor::isMidiEffect() const { return false; }
-bool TRQAudioProcessor::supportsDoublePrecisionProcessing() const { return false; }
+double TRQAudioProcessor::getTailLengthSeconds() const
+{
+    return 0.0;
+}
+bool TRQAudioProcessor::acceptsMidi() const
+{
+    return false;
+}
+bool TRQAudioProcessor::producesMidi() const
+{
+    return false;
+}
+bool TRQAudioProcessor::isMidiEffect() const
+{
+    return false;
+}
+bool TRQAudioProcessor::supportsDoublePrecisionProcessing() const
+{
+    return false;
+}
 
 void TRQAudioProcessor::reset()
 {
     if (dsp == nullptr)
         return;
     for (int i = 0; i < numParameters; ++i)
-        dsp->setParameter (static_cast<uint32_t> (i), parameters[static_cast<size_t> (i)]->getRealValue(), true);
+        dsp->setParameter (static_cast<uint32_t> (i), parameters[static_cast<size_t> (i)]->getRealValue(),
+                           true);
     dsp->reset();
 }
 
-juce::AudioProcessorEditor* TRQAudioProcessor::createEditor() { return new juce::GenericAudioProcessorEditor (*this); }
-bool TRQAudioProcessor::hasEditor() const { return true; }
+juce::AudioProcessorEditor* TRQAudioProcessor::createEditor()
+{
+    return new juce::GenericAudioProcessorEditor (*this);
+}
+bool TRQAudioProcessor::hasEditor() const
+{
+    return true;
+}
 
-int TRQAudioProcessor::getNumPrograms() { return 1; }
-int TRQAudioProcessor::getCurrentProgram() { return 0; }
+int TRQAudioProcessor::getNumPrograms()
+{
+    return 1;
+}
+int TRQAudioProcessor::getCurrentProgram()
+{
+    return 0;
+}
 void TRQAudioProcessor::setCurrentProgram (int) {}
-const juce::String TRQAudioProcessor::getProgramName (int) { return {}; }
+const juce::String TRQAudioProcessor::getProgramName (int)
+{
+    return {};
+}
 void TRQAudioProcessor::changeProgramName (int, const juce::String&) {}
 
 void TRQAudioProcessor::getStateInformation (juce::MemoryBlock& destination)
@@ -341,8 +398,8 @@ void TRQAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
     {
         const auto* restored = root->getChildByName (TRQPluginState::elementName);
 
-        if (isAAX() && root->hasAttribute ("defaultChunk") && root->getIntAttribute ("defaultChunk") == 1
-            && !stateHasBeenSet)
+        if (isAAX() && root->hasAttribute ("defaultChunk") && root->getIntAttribute ("defaultChunk") == 1 &&
+            !stateHasBeenSet)
         {
             // A host's default chunk starts a fresh instance on the user's default preset.
             setDefaultParameterValues();
@@ -382,4 +439,7 @@ bool TRQAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) cons
     return known && hasSpeakerChannel (mainIn) && hasSpeakerChannel (mainOut);
 }
 
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() { return new TRQAudioProcessor(); }
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
+{
+    return new TRQAudioProcessor();
+}

@@ -80,7 +80,7 @@ public:
     const TransportInfo& getTransportInfo() const { return transportInfo; }
 
     // Work for the audio thread, run at the head of the next block.
-    template <typename Callable>
+    template<typename Callable>
     bool postToAudioThread (Callable&& callable)
     {
         return toAudioThreadA.post (std::forward<Callable> (callable));
@@ -104,8 +104,8 @@ private:
     std::shared_ptr<HVNPublicDSP> dsp;
     Queue audioToMessageA, audioToMessageB, toAudioThreadA, toAudioThreadB;
     uint8_t stateHasBeenSet = 0;
-    HVNAudioBuffer<float> inputBlock {0}, outputBlock {0}, sidechainBlock {0};
-    std::array<TRQAudioParameter*, numParameters> parameters {};
+    HVNAudioBuffer<float> inputBlock{0}, outputBlock{0}, sidechainBlock{0};
+    std::array<TRQAudioParameter*, numParameters> parameters{};
     std::vector<juce::AudioProcessorParameter*> meterParameters;
     TRQPluginState pluginState;
 

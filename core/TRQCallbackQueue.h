@@ -9,11 +9,11 @@
 // Single-producer, single-consumer ring of callbacks between the audio thread and
 // the message thread. The slots exist from construction, so posting never
 // allocates; a full ring refuses the post, and the caller drops it.
-template <typename Argument, uint32_t Slots = 100>
+template<typename Argument, uint32_t Slots = 100>
 class TRQCallbackQueue
 {
 public:
-    template <typename Callable>
+    template<typename Callable>
     bool post (Callable&& callable)
     {
         const uint32_t write = writeIndex.load (std::memory_order_relaxed);
@@ -32,7 +32,7 @@ public:
         uint32_t read = readIndex.load (std::memory_order_relaxed);
         while (read != writeIndex.load (std::memory_order_acquire))
         {
-            slots[read] (argument);
+            slots[read](argument);
             // Destroyed here, on the consumer's thread, so that a callback holding the
             // last reference to something never frees it on the audio thread.
             slots[read].reset();
@@ -48,6 +48,6 @@ public:
 
 private:
     std::array<TRQInlineCallback<Argument>, Slots> slots;
-    std::atomic<uint32_t> readIndex {0};
-    std::atomic<uint32_t> writeIndex {0};
+    std::atomic<uint32_t> readIndex{0};
+    std::atomic<uint32_t> writeIndex{0};
 };

@@ -8,7 +8,7 @@
 // A callable stored inside the object, never on the heap, so that a slot of a
 // real-time queue can take a new callback without allocating. Callables larger
 // than the inline space are refused at compile time.
-template <typename Argument, std::size_t Capacity = 64>
+template<typename Argument, std::size_t Capacity = 64>
 class TRQInlineCallback
 {
 public:
@@ -18,7 +18,7 @@ public:
     TRQInlineCallback (const TRQInlineCallback&) = delete;
     TRQInlineCallback& operator= (const TRQInlineCallback&) = delete;
 
-    template <typename Callable>
+    template<typename Callable>
     void set (Callable&& callable)
     {
         using Stored = std::decay_t<Callable>;

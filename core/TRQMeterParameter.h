@@ -18,6 +18,6 @@ public:
     Category getCategory() const override { return category; }
 
 private:
-    std::atomic<float> value {0.0f};
+    std::atomic<float> value{0.0f};
     Category category;
 };

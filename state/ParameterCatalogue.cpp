@@ -353,11 +353,11 @@ const ProductInfo& ParameterCatalogue::product()
 
 const std::vector<LayoutDefault>& ParameterCatalogue::layoutDefaults()
 {
-    // With a single input channel there is one detector, so the stereo link is on
-    // whatever a default preset chose for stereo tracks: the switch then shows what
-    // the compressor actually does.
+    // With a single input channel the DSP decides the stereo link by itself (off
+    // for one output, on when the mono signal feeds two), so the switch starts
+    // where the compressor actually is.
     static const std::vector<LayoutDefault> table{
-        {9, 1, 1, 1.0f},
+        {9, 1, 1, 0.0f},
         {9, 1, 2, 1.0f},
     };
     return table;

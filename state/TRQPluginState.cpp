@@ -17,14 +17,20 @@ TRQPluginState::TRQPluginState()
 {
     element.setAttribute (lastPresetAttribute, juce::String());
     element.setAttribute (advancedPaneAttribute, 0);
-    element.setAttribute (lockStatesAttribute, juce::String (locksToJson (LockStates {})));
+    element.setAttribute (lockStatesAttribute, juce::String (locksToJson (LockStates{})));
 }
 
 TRQPluginState::~TRQPluginState() = default;
 
-void TRQPluginState::setLastPresetRecorded (juce::String uuid) { element.setAttribute (lastPresetAttribute, uuid); }
+void TRQPluginState::setLastPresetRecorded (juce::String uuid)
+{
+    element.setAttribute (lastPresetAttribute, uuid);
+}
 
-void TRQPluginState::setAdvancedPaneIsOpen (bool isOpen) { element.setAttribute (advancedPaneAttribute, isOpen ? 1 : 0); }
+void TRQPluginState::setAdvancedPaneIsOpen (bool isOpen)
+{
+    element.setAttribute (advancedPaneAttribute, isOpen ? 1 : 0);
+}
 
 void TRQPluginState::setLockStates (const LockStates& locks)
 {
@@ -42,7 +48,7 @@ void TRQPluginState::setLock (unsigned id, bool locked)
 
 TRQPluginState::LockStates TRQPluginState::getLockStates() const
 {
-    LockStates locks {};
+    LockStates locks{};
     const auto text = element.getStringAttribute (lockStatesAttribute).toStdString();
     if (text.empty())
         return locks;

@@ -35,5 +35,5 @@ public:
     void replaceWith (const juce::XmlElement& restored);
 
 private:
-    juce::XmlElement element {elementName};
+    juce::XmlElement element{elementName};
 };

@@ -1,5 +1,5 @@
-#include "app/DemoSignal.h"
 #include "app/RenderSession.h"
+#include "app/DemoSignal.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@ namespace
 {
 struct TempFolder
 {
-    juce::TemporaryFile holder {"zolk-render-test"};
+    juce::TemporaryFile holder{"zolk-render-test"};
     juce::File dir = holder.getFile();
     TempFolder() { dir.createDirectory(); }
     ~TempFolder() { dir.deleteRecursively(); }
@@ -17,10 +17,12 @@ struct TempFolder
 juce::AudioBuffer<float> readWav (const juce::File& file, double* rate = nullptr, int* bits = nullptr)
 {
     juce::WavAudioFormat wav;
-    std::unique_ptr<juce::AudioFormatReader> reader (wav.createReaderFor (file.createInputStream().release(), true));
+    std::unique_ptr<juce::AudioFormatReader> reader (
+        wav.createReaderFor (file.createInputStream().release(), true));
     if (reader == nullptr)
         return {};
-    juce::AudioBuffer<float> b (static_cast<int> (reader->numChannels), static_cast<int> (reader->lengthInSamples));
+    juce::AudioBuffer<float> b (static_cast<int> (reader->numChannels),
+                                static_cast<int> (reader->lengthInSamples));
     reader->read (&b, 0, b.getNumSamples(), 0, true, true);
     if (rate != nullptr)
         *rate = reader->sampleRate;
@@ -33,8 +35,8 @@ void writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, do
 {
     juce::WavAudioFormat wav;
     auto stream = file.createOutputStream();
-    std::unique_ptr<juce::AudioFormatWriter> writer (
-        wav.createWriterFor (stream.release(), rate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
+    std::unique_ptr<juce::AudioFormatWriter> writer (wav.createWriterFor (
+        stream.release(), rate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
     writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
 }
 
@@ -79,7 +81,8 @@ TEST (RenderSession, OutputDoesNotDependOnHowTheHostCutsBlocks)
     ASSERT_EQ (a.getNumSamples(), b.getNumSamples());
     for (int c = 0; c < a.getNumChannels(); ++c)
         for (int i = 0; i < a.getNumSamples(); ++i)
-            ASSERT_NEAR (a.getSample (c, i), b.getSample (c, i), 1.0e-6f) << "channel " << c << " sample " << i;
+            ASSERT_NEAR (a.getSample (c, i), b.getSample (c, i), 1.0e-6f)
+                << "channel " << c << " sample " << i;
 }
 
 TEST (RenderSession, ProcessesAFileWithASidechainAtItsOwnRate)
@@ -91,8 +94,8 @@ TEST (RenderSession, ProcessesAFileWithASidechainAtItsOwnRate)
     writeWav (tmp / "in.wav", mono, 96000.0);
     writeWav (tmp / "side.wav", mono, 96000.0);
 
-    const auto report = render ({"--sidechain", (tmp / "side.wav").getFullPathName(), (tmp / "in.wav").getFullPathName(),
-                                 (tmp / "out.wav").getFullPathName()});
+    const auto report = render ({"--sidechain", (tmp / "side.wav").getFullPathName(),
+                                 (tmp / "in.wav").getFullPathName(), (tmp / "out.wav").getFullPathName()});
     double rate = 0.0;
     const auto out = readWav (tmp / "out.wav", &rate);
     EXPECT_EQ (rate, 96000.0);
@@ -118,7 +121,8 @@ TEST (RenderSession, RefusesBadUseAndLeavesNoOutputBehind)
         {"--set", "CompressionAmount=loud", out.getFullPathName()},
         {(tmp / "missing.wav").getFullPathName(), out.getFullPathName()},
         {(tmp / "text.wav").getFullPathName(), out.getFullPathName()},
-        {"--sidechain", (tmp / "in44.wav").getFullPathName(), (tmp / "in48.wav").getFullPathName(), out.getFullPathName()},
+        {"--sidechain", (tmp / "in44.wav").getFullPathName(), (tmp / "in48.wav").getFullPathName(),
+         out.getFullPathName()},
         {"--block", "0", out.getFullPathName()},
         {"--frobnicate", out.getFullPathName()},
         {},
@@ -135,8 +139,9 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     TempFolder tmp;
     const juce::String binary = juce::String (ZOLK_BINARY_DIR) + "/app/zolk-render";
     juce::ChildProcess process;
-    ASSERT_TRUE (process.start (juce::StringArray {binary, "--set", "Bogus=1", (tmp / "x.wav").getFullPathName()},
-                                juce::ChildProcess::wantStdErr));
+    ASSERT_TRUE (
+        process.start (juce::StringArray{binary, "--set", "Bogus=1", (tmp / "x.wav").getFullPathName()},
+                       juce::ChildProcess::wantStdErr));
     const auto text = process.readAllProcessOutput();
     process.waitForProcessToFinish (60000);
     EXPECT_EQ (process.getExitCode(), 2u);
@@ -145,8 +150,9 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     EXPECT_FALSE ((tmp / "x.wav").exists());
 
     juce::ChildProcess json;
-    ASSERT_TRUE (json.start (juce::StringArray {binary, "--json", "--rate", "44100", (tmp / "y.wav").getFullPathName()},
-                             juce::ChildProcess::wantStdOut));
+    ASSERT_TRUE (
+        json.start (juce::StringArray{binary, "--json", "--rate", "44100", (tmp / "y.wav").getFullPathName()},
+                    juce::ChildProcess::wantStdOut));
     const auto report = juce::JSON::parse (json.readAllProcessOutput());
     json.waitForProcessToFinish (60000);
     EXPECT_EQ (json.getExitCode(), 0u);

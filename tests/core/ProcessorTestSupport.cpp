@@ -8,10 +8,14 @@ juce::AudioChannelSet channels (int count)
 {
     switch (count)
     {
-        case 0: return juce::AudioChannelSet::disabled();
-        case 1: return juce::AudioChannelSet::mono();
-        case 2: return juce::AudioChannelSet::stereo();
-        default: return juce::AudioChannelSet::discreteChannels (count);
+    case 0:
+        return juce::AudioChannelSet::disabled();
+    case 1:
+        return juce::AudioChannelSet::mono();
+    case 2:
+        return juce::AudioChannelSet::stereo();
+    default:
+        return juce::AudioChannelSet::discreteChannels (count);
     }
 }
 
@@ -38,7 +42,8 @@ void fillSine (juce::AudioBuffer<float>& buffer, int startSample, double rate)
 {
     for (int c = 0; c < buffer.getNumChannels(); ++c)
         for (int i = 0; i < buffer.getNumSamples(); ++i)
-            buffer.setSample (c, i, static_cast<float> (0.25 * std::sin (6.283185307 * 330.0 * (startSample + i) / rate)));
+            buffer.setSample (
+                c, i, static_cast<float> (0.25 * std::sin (6.283185307 * 330.0 * (startSample + i) / rate)));
 }
 
 juce::MemoryBlock chunkFromXml (const juce::String& xml)

@@ -23,11 +23,13 @@ TEST (StateCorpus, EveryCollectedChunkIsReadSafely)
         p->setStateInformation (data.getData(), static_cast<int> (data.getSize()));
         EXPECT_TRUE (p->getStateHasBeenSet());
 
-        const auto xml = juce::AudioProcessor::getXmlFromBinary (data.getData(), static_cast<int> (data.getSize()));
+        const auto xml =
+            juce::AudioProcessor::getXmlFromBinary (data.getData(), static_cast<int> (data.getSize()));
         if (data.getSize() <= 8 || xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
         {
             for (int i = 0; i < 21; ++i)
-                EXPECT_EQ (p->getParameters()[i]->getValue(), before[static_cast<size_t> (i)]) << file.getFileName();
+                EXPECT_EQ (p->getParameters()[i]->getValue(), before[static_cast<size_t> (i)])
+                    << file.getFileName();
         }
 
         for (int i = 0; i < 21; ++i)

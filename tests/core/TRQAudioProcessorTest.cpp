@@ -119,7 +119,8 @@ TEST (TRQAudioProcessor, ProcessingNeverAllocates)
     const int layouts[][3] = {{1, 1, 1}, {1, 2, 1}, {2, 2, 2}, {2, 2, 1}};
     for (const auto& l : layouts)
     {
-        SCOPED_TRACE (juce::String (l[0]) + " in, " + juce::String (l[1]) + " out, " + juce::String (l[2]) + " sidechain");
+        SCOPED_TRACE (juce::String (l[0]) + " in, " + juce::String (l[1]) + " out, " + juce::String (l[2]) +
+                      " sidechain");
         auto p = make (l[0], l[1], l[2]);
         constexpr int block = 256;
         p->prepareToPlay (48000.0, block);
@@ -158,16 +159,16 @@ TEST (TRQAudioProcessor, UnreadableStateChangesNothingButCountsAsSet)
     auto goodChunk = chunkFromXml (good);
 
     std::vector<juce::MemoryBlock> bad;
-    bad.emplace_back();                                     // empty
-    bad.emplace_back (goodChunk.getData(), 8);              // header only
-    bad.emplace_back (goodChunk.getData(), 5);              // short
-    bad.push_back (chunkFromXml (foreign));                 // another plug-in's root
+    bad.emplace_back();                        // empty
+    bad.emplace_back (goodChunk.getData(), 8); // header only
+    bad.emplace_back (goodChunk.getData(), 5); // short
+    bad.push_back (chunkFromXml (foreign));    // another plug-in's root
     juce::MemoryBlock corrupt (goodChunk);
-    static_cast<char*> (corrupt.getData())[0] ^= 0x5a;      // wrong magic number
+    static_cast<char*> (corrupt.getData())[0] ^= 0x5a; // wrong magic number
     bad.push_back (corrupt);
     juce::MemoryBlock garbage (goodChunk);
     for (size_t i = 8; i < garbage.getSize(); ++i)
-        static_cast<char*> (garbage.getData())[i] = '<';    // not XML
+        static_cast<char*> (garbage.getData())[i] = '<'; // not XML
     bad.push_back (garbage);
 
     for (const auto& chunk : bad)
@@ -187,8 +188,9 @@ TEST (TRQAudioProcessor, UnreadableStateChangesNothingButCountsAsSet)
 TEST (TRQAudioProcessor, StateKeepsMissingValuesAndCutsAnOverlongLength)
 {
     auto p = make();
-    auto chunk = chunkFromXml ("<MYPLUGINSETTINGS _2=\"0.9\" _4=\"0.1\"><PluginState AdvancedPaneIsOpen=\"1\"/>"
-                               "</MYPLUGINSETTINGS>");
+    auto chunk =
+        chunkFromXml ("<MYPLUGINSETTINGS _2=\"0.9\" _4=\"0.1\"><PluginState AdvancedPaneIsOpen=\"1\"/>"
+                      "</MYPLUGINSETTINGS>");
     // A length field that runs past the block is cut to what is there.
     auto* bytes = static_cast<uint8_t*> (chunk.getData());
     bytes[4] = 0xff;
@@ -209,7 +211,8 @@ TEST (TRQAudioProcessor, SavedStateRoundTrips)
     juce::MemoryBlock chunk;
     first->getStateInformation (chunk);
 
-    const auto xml = juce::AudioProcessor::getXmlFromBinary (chunk.getData(), static_cast<int> (chunk.getSize()));
+    const auto xml =
+        juce::AudioProcessor::getXmlFromBinary (chunk.getData(), static_cast<int> (chunk.getSize()));
     ASSERT_NE (xml, nullptr);
     EXPECT_TRUE (xml->hasTagName ("MYPLUGINSETTINGS"));
     EXPECT_TRUE (xml->hasAttribute ("_20"));
@@ -261,4 +264,22 @@ TEST (TRQAudioProcessor, AAXAddsTheGainReductionMeterBehindTheParameters)
     EXPECT_TRUE (aax->getDSP() == nullptr);
     aax->prepareToPlay (48000.0, 256);
     EXPECT_TRUE (aax->getDSP()->getResetOnTransportStart());
+}
+
+TEST (TRQAudioProcessor, MonoLayoutsStartTheStereoLinkWhereTheDSPPutsItUnlessAStateWasRestored)
+{
+    auto monoToMono = make (1, 1, 1);
+    monoToMono->prepareToPlay (48000.0, 256);
+    EXPECT_EQ (monoToMono->getParameter (9).getRealValue(), 0.0f);
+
+    auto monoToStereo = make (1, 2, 1);
+    monoToStereo->getParameters()[9]->setValue (0.0f);
+    monoToStereo->prepareToPlay (48000.0, 256);
+    EXPECT_EQ (monoToStereo->getParameter (9).getRealValue(), 1.0f);
+
+    auto restored = make (1, 1, 1);
+    const auto chunk = chunkFromXml ("<MYPLUGINSETTINGS _9=\"1\"/>");
+    restored->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+    restored->prepareToPlay (48000.0, 256);
+    EXPECT_EQ (restored->getParameter (9).getRealValue(), 1.0f) << "a restored session keeps its value";
 }

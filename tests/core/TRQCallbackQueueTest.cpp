@@ -24,7 +24,7 @@ TEST (TRQCallbackQueue, DeliversInOrderAndRefusesWhenFull)
     EXPECT_FALSE (queue.post ([] (Receiver& r) { r.seen.push_back (99); })) << "one slot always stays free";
 
     queue.drain (receiver);
-    EXPECT_EQ (receiver.seen, (std::vector<int> {0, 1, 2}));
+    EXPECT_EQ (receiver.seen, (std::vector<int>{0, 1, 2}));
     EXPECT_TRUE (queue.isEmpty());
 }
 
@@ -44,7 +44,7 @@ TEST (TRQCallbackQueue, PostingAllocatesNothingAndTheConsumerReleasesCaptures)
     Receiver receiver;
     queue.drain (receiver);
     EXPECT_TRUE (watch.expired()) << "released by the consumer after running";
-    EXPECT_EQ (receiver.seen, (std::vector<int> {5}));
+    EXPECT_EQ (receiver.seen, (std::vector<int>{5}));
 }
 
 TEST (TRQCallbackQueue, CarriesEveryPostAcrossThreads)
@@ -53,11 +53,13 @@ TEST (TRQCallbackQueue, CarriesEveryPostAcrossThreads)
     Receiver receiver;
     constexpr int count = 20000;
 
-    std::thread producer ([&queue] {
-        for (int i = 0; i < count; ++i)
-            while (!queue.post ([i] (Receiver& r) { r.seen.push_back (i); }))
-                std::this_thread::yield();
-    });
+    std::thread producer (
+        [&queue]
+        {
+            for (int i = 0; i < count; ++i)
+                while (!queue.post ([i] (Receiver& r) { r.seen.push_back (i); }))
+                    std::this_thread::yield();
+        });
     while (static_cast<int> (receiver.seen.size()) < count)
         queue.drain (receiver);
     producer.join();

@@ -4,7 +4,10 @@
 
 namespace HostedPlugin
 {
-const char* formatName (Format format) { return format == Format::vst3 ? "VST3" : "LV2"; }
+const char* formatName (Format format)
+{
+    return format == Format::vst3 ? "VST3" : "LV2";
+}
 
 std::unique_ptr<juce::AudioPluginInstance> load (Format format, double sampleRate, int blockSize)
 {
@@ -19,7 +22,8 @@ std::unique_ptr<juce::AudioPluginInstance> load (Format format, double sampleRat
     else
     {
         pluginFormat = std::make_unique<juce::LV2PluginFormat>();
-        const juce::FileSearchPath bundles (juce::File (ZOLK_LV2_BUNDLE).getParentDirectory().getFullPathName());
+        const juce::FileSearchPath bundles (
+            juce::File (ZOLK_LV2_BUNDLE).getParentDirectory().getFullPathName());
         pluginFormat->searchPathsForPlugins (bundles, false, false);
         pluginFormat->findAllTypesForFile (types, ZOLK_LV2_URI);
     }
@@ -45,8 +49,8 @@ juce::AudioProcessorParameter* parameterNamed (juce::AudioProcessor& processor, 
     return nullptr;
 }
 
-juce::AudioBuffer<float> run (juce::AudioProcessor& processor, const juce::AudioBuffer<float>& input, int blockSize,
-                              bool bypassed)
+juce::AudioBuffer<float> run (juce::AudioProcessor& processor, const juce::AudioBuffer<float>& input,
+                              int blockSize, bool bypassed)
 {
     const int ins = processor.getTotalNumInputChannels();
     const int outs = processor.getMainBusNumOutputChannels();

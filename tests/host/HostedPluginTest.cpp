@@ -9,18 +9,32 @@ using HostedPlugin::Format;
 
 namespace
 {
-const char* const parameterNames[] = {
-    "Master On/Off",     "Input Gain",          "Compression Amount",        "Wow/Flutter Amount",
-    "Lo-Fi Amount",      "Output Gain",         "Master Mix",                "Comp Attack Time Constant",
-    "Comp Release Time Constant", "Comp Stereo Link", "Wow/Flutter Mix",     "Wow/Flutter Speed",
-    "Wow/Flutter Phase", "Lo-Fi Noise Gain",    "Lo-Fi Type",                "Lo-Fi Crunch",
-    "HQ Mode",           "Digital Ref Level",   "Sidechain Listen",          "Sidechain External",
-    "Sidechain Tilt"};
+const char* const parameterNames[] = {"Master On/Off",
+                                      "Input Gain",
+                                      "Compression Amount",
+                                      "Wow/Flutter Amount",
+                                      "Lo-Fi Amount",
+                                      "Output Gain",
+                                      "Master Mix",
+                                      "Comp Attack Time Constant",
+                                      "Comp Release Time Constant",
+                                      "Comp Stereo Link",
+                                      "Wow/Flutter Mix",
+                                      "Wow/Flutter Speed",
+                                      "Wow/Flutter Phase",
+                                      "Lo-Fi Noise Gain",
+                                      "Lo-Fi Type",
+                                      "Lo-Fi Crunch",
+                                      "HQ Mode",
+                                      "Digital Ref Level",
+                                      "Sidechain Listen",
+                                      "Sidechain External",
+                                      "Sidechain Tilt"};
 
 // Factory defaults, normalised.
-const float defaultValues[] = {1.0f, 24.0f / 36.0f, 0.5f, 0.15f, 0.5f, 24.0f / 36.0f, 1.0f,
-                               0.5254f, 0.5254f, 1.0f, 1.0f, 0.0f, 0.0f, 96.0f / 108.0f,
-                               0.0f, 0.0f, 0.0f, 0.5f, 0.0f, 0.0f, 0.5f};
+const float defaultValues[] = {1.0f,    24.0f / 36.0f, 0.5f, 0.15f, 0.5f, 24.0f / 36.0f, 1.0f,
+                               0.5254f, 0.5254f,       1.0f, 1.0f,  0.0f, 0.0f,          96.0f / 108.0f,
+                               0.0f,    0.0f,          0.0f, 0.5f,  0.0f, 0.0f,          0.5f};
 
 // Parameters by their catalogue index. Formats may list them in their own order
 // (LV2 sorts by name and adds a bypass), so they are found by name.
@@ -48,7 +62,8 @@ juce::AudioBuffer<float> sineBurst (int channels, int length, double rate)
     juce::AudioBuffer<float> b (channels, length);
     for (int c = 0; c < channels; ++c)
         for (int i = 0; i < length; ++i)
-            b.setSample (c, i, static_cast<float> (0.5 * std::sin (6.283185307 * (440.0 + 110.0 * c) * i / rate)));
+            b.setSample (c, i,
+                         static_cast<float> (0.5 * std::sin (6.283185307 * (440.0 + 110.0 * c) * i / rate)));
     return b;
 }
 
@@ -58,10 +73,14 @@ juce::AudioProcessor::BusesLayout layout (int ins, int outs, int sidechain)
     {
         switch (n)
         {
-            case 0: return juce::AudioChannelSet::disabled();
-            case 1: return juce::AudioChannelSet::mono();
-            case 2: return juce::AudioChannelSet::stereo();
-            default: return juce::AudioChannelSet::discreteChannels (n);
+        case 0:
+            return juce::AudioChannelSet::disabled();
+        case 1:
+            return juce::AudioChannelSet::mono();
+        case 2:
+            return juce::AudioChannelSet::stereo();
+        default:
+            return juce::AudioChannelSet::discreteChannels (n);
         }
     };
     juce::AudioProcessor::BusesLayout l;
@@ -72,14 +91,15 @@ juce::AudioProcessor::BusesLayout layout (int ins, int outs, int sidechain)
 }
 
 // Largest difference between the output and the input delayed by `latency`, from `from` on.
-float distanceFromDelayedInput (const juce::AudioBuffer<float>& in, const juce::AudioBuffer<float>& out, int latency,
-                                int from)
+float distanceFromDelayedInput (const juce::AudioBuffer<float>& in, const juce::AudioBuffer<float>& out,
+                                int latency, int from)
 {
     float worst = 0.0f;
     for (int c = 0; c < out.getNumChannels(); ++c)
         for (int i = std::max (from, latency); i < out.getNumSamples(); ++i)
-            worst = std::max (worst, std::abs (out.getSample (c, i) - in.getSample (std::min (c, in.getNumChannels() - 1),
-                                                                                     i - latency)));
+            worst = std::max (worst,
+                              std::abs (out.getSample (c, i) -
+                                        in.getSample (std::min (c, in.getNumChannels() - 1), i - latency)));
     return worst;
 }
 } // namespace
@@ -99,7 +119,8 @@ TEST_P (HostedPluginTest, OffersTheTwentyOneParametersWithNamesStepsAndDefaults)
         SCOPED_TRACE (parameterNames[i]);
         if (GetParam() == Format::vst3)
         {
-            EXPECT_EQ (plugin->getParameters()[i]->getName (1024), juce::String (parameterNames[i])) << "host order";
+            EXPECT_EQ (plugin->getParameters()[i]->getName (1024), juce::String (parameterNames[i]))
+                << "host order";
         }
         auto* p = HostedPlugin::parameterNamed (*plugin, parameterNames[i]);
         ASSERT_NE (p, nullptr);
@@ -195,7 +216,8 @@ TEST_P (HostedPluginTest, StateSavedByOneInstanceRestoresInAnother)
 }
 
 INSTANTIATE_TEST_SUITE_P (Formats, HostedPluginTest, ::testing::Values (Format::vst3, Format::lv2),
-                          [] (const auto& info) { return std::string (HostedPlugin::formatName (info.param)); });
+                          [] (const auto& info)
+                          { return std::string (HostedPlugin::formatName (info.param)); });
 
 // Texts are the plug-in's own only where the format carries them.
 TEST (HostedVST3, ShowsTheParametersTextsAndSteps)
