@@ -68,7 +68,7 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
     bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
 
-    TRQAudioParameter& getParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
+    TRQAudioParameter& getAudioParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
     TRQPluginState& getPluginState() { return pluginState; }
     std::shared_ptr<HVNPublicDSP> getDSP() const { return dsp; }
     bool getStateHasBeenSet() const { return stateHasBeenSet != 0; }
