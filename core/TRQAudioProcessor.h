@@ -88,6 +88,8 @@ public:
 
     // Fired on the message thread when a new DSP announced itself.
     TRQSignals::Signal<void()> dspAnnounced;
+    // Fired on the message thread after a reset cleared the DSP's state.
+    TRQSignals::Signal<void()> dspStateCleared;
 
     // Channel code of the DSP for a JUCE channel type: 25, 26 and 27 rotate.
     static uint32_t channelCode (int juceChannelType);
