@@ -2,12 +2,16 @@
 
 #include <atomic>
 #include <cpuid.h>
+#include <initializer_list>
 
 namespace
 {
-std::atomic<int> cachedLevel {-1};
+std::atomic<int> cachedLevel{-1};
 
-bool bit (uint32_t word, int index) { return ((word >> index) & 1u) != 0; }
+bool bit (uint32_t word, int index)
+{
+    return ((word >> index) & 1u) != 0;
+}
 
 bool allBits (uint32_t word, std::initializer_list<int> indices)
 {
@@ -29,7 +33,7 @@ uint64_t HVNCPUFeatures::xgetbv (uint32_t index)
 {
     uint32_t eax = 0, edx = 0;
     // Encoded by hand so that this file builds without -mxsave.
-    __asm__ volatile (".byte 0x0f, 0x01, 0xd0" : "=a"(eax), "=d"(edx) : "c"(index));
+    __asm__ volatile(".byte 0x0f, 0x01, 0xd0" : "=a"(eax), "=d"(edx) : "c"(index));
     return (uint64_t (edx) << 32) | eax;
 }
 
@@ -79,4 +83,7 @@ int HVNCPUFeatures::level()
     return value;
 }
 
-bool HVNCPUFeatures::hasFMA3() { return computeFMA3 (level(), &cpuid); }
+bool HVNCPUFeatures::hasFMA3()
+{
+    return computeFMA3 (level(), &cpuid);
+}

@@ -22,7 +22,7 @@ bool processorCanRun (HVNSIMDMember member)
 
 // Each member is built only when first asked for, and only on a processor
 // that runs it; the objects live until the process exits.
-template <typename Member>
+template<typename Member>
 HVNSIMD* memberObject()
 {
     static Member object;
@@ -129,7 +129,10 @@ const HVNVecKernels* HVNSIMD::kernels (HVNSIMDMember which)
     return nullptr;
 }
 
-const char* HVNSIMD::name (HVNSIMDMember member) { return memberNames[static_cast<int> (member)]; }
+const char* HVNSIMD::name (HVNSIMDMember member)
+{
+    return memberNames[static_cast<int> (member)];
+}
 
 bool HVNSIMD::parseName (const char* text, HVNSIMDMember& member)
 {

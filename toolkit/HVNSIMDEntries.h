@@ -133,14 +133,14 @@
 // clang-format on
 
 // A split-complex array: real and imaginary parts in two arrays of equal length.
-template <typename T>
+template<typename T>
 struct HVNSplitIn
 {
     const T* re;
     const T* im;
 };
 
-template <typename T>
+template<typename T>
 struct HVNSplitOut
 {
     T* re;

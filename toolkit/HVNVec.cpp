@@ -46,9 +46,15 @@ void move (const double* s, double* d, uint32_t n)
         std::memmove (d, s, n * sizeof (double));
 }
 
-void convert (const double* s, float* d, uint32_t n) { HVNSIMD::kernels().convertDF (s, d, n); }
+void convert (const double* s, float* d, uint32_t n)
+{
+    HVNSIMD::kernels().convertDF (s, d, n);
+}
 
-void convert (const float* s, double* d, uint32_t n) { HVNSIMD::kernels().convertFD (s, d, n); }
+void convert (const float* s, double* d, uint32_t n)
+{
+    HVNSIMD::kernels().convertFD (s, d, n);
+}
 
 void clear (float* d, uint32_t n)
 {

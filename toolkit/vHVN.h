@@ -47,7 +47,8 @@ void vHVN_vFill (double* out, double value, uint32_t n);
 void vHVN_zMulAccPacked (const float* aRe, const float* aIm, const float* bRe, const float* bIm, float* outRe,
                          float* outIm, uint32_t n);
 // Linear map of [inLow, inHigh] onto [outLow, outHigh].
-void vHVN_vRemap (const float* in, float inLow, float inHigh, float outLow, float outHigh, float* out, uint32_t n);
+void vHVN_vRemap (const float* in, float inLow, float inHigh, float outLow, float outHigh, float* out,
+                  uint32_t n);
 void vHVN_vLimit (const double* in, double threshold, double value, double* out, uint32_t n);
 // out = max(in, level) and out = min(in, level); NaN passes through.
 void vHVN_vLowerBound (const float* in, float level, float* out, uint32_t n);

@@ -2,52 +2,55 @@
 
 // Complex arithmetic on split arrays (z) and interleaved arrays (c). Products
 // that feed a sum are fused in the members with FMA.
-#include "toolkit/isa/HVNIsaCore.h"
 #include "toolkit/HVNSIMDEntries.h"
+#include "toolkit/isa/HVNIsaCore.h"
 
 namespace HVN_ISA_NAMESPACE
 {
-template <typename V>
+template<typename V>
 inline V productRe (V aRe, V aIm, V bRe, V bIm)
 {
     return msub (aRe, bRe, aIm * bIm);
 }
 
-template <typename V>
+template<typename V>
 inline V productIm (V aRe, V aIm, V bRe, V bIm)
 {
     return madd (aRe, bIm, aIm * bRe);
 }
 
-template <typename T>
+template<typename T>
 void zAdd (const T* aRe, const T* aIm, const T* bRe, const T* bIm, T* outRe, T* outIm, uint32_t n)
 {
     T* const outs[2] = {outRe, outIm};
     mapMany<2> (
-        n, [] (auto ar, auto ai, auto br, auto bi) { return Outs<decltype (ar), 2> {{ar + br, ai + bi}}; }, outs, aRe,
-        aIm, bRe, bIm);
+        n,
+        [] (auto ar, auto ai, auto br, auto bi) {
+            return Outs<decltype (ar), 2>{{ar + br, ai + bi}};
+        },
+        outs, aRe, aIm, bRe, bIm);
 }
 
-template <typename T>
+template<typename T>
 void zMul (HVNSplitIn<T> a, HVNSplitIn<T> b, HVNSplitOut<T> out, uint32_t n)
 {
     T* const outs[2] = {out.re, out.im};
     mapMany<2> (
         n,
-        [] (auto ar, auto ai, auto br, auto bi)
-        { return Outs<decltype (ar), 2> {{productRe (ar, ai, br, bi), productIm (ar, ai, br, bi)}}; },
+        [] (auto ar, auto ai, auto br, auto bi) {
+            return Outs<decltype (ar), 2>{{productRe (ar, ai, br, bi), productIm (ar, ai, br, bi)}};
+        },
         outs, a.re, a.im, b.re, b.im);
 }
 
-template <typename T>
+template<typename T>
 void zMulAcc (const T* aRe, const T* aIm, const T* bRe, const T* bIm, T* outRe, T* outIm, uint32_t n)
 {
     T* const outs[2] = {outRe, outIm};
     mapMany<2> (
         n,
-        [] (auto ar, auto ai, auto br, auto bi, auto accRe, auto accIm)
-        {
-            return Outs<decltype (ar), 2> {
+        [] (auto ar, auto ai, auto br, auto bi, auto accRe, auto accIm) {
+            return Outs<decltype (ar), 2>{
                 {accRe + productRe (ar, ai, br, bi), accIm + productIm (ar, ai, br, bi)}};
         },
         outs, aRe, aIm, bRe, bIm, static_cast<const T*> (outRe), static_cast<const T*> (outIm));
@@ -55,17 +58,18 @@ void zMulAcc (const T* aRe, const T* aIm, const T* bRe, const T* bIm, T* outRe, 
 
 // The innermost step of the stereo partitioned convolver: both channels
 // against one filter spectrum in one pass.
-template <typename T>
-void zMulAccTwin (const T* xRe, const T* xIm, const T* yRe, const T* yIm, const T* hRe, const T* hIm, T* accXRe,
-                  T* accXIm, T* accYRe, T* accYIm, uint32_t n)
+template<typename T>
+void zMulAccTwin (const T* xRe, const T* xIm, const T* yRe, const T* yIm, const T* hRe, const T* hIm,
+                  T* accXRe, T* accXIm, T* accYRe, T* accYIm, uint32_t n)
 {
     T* const outs[4] = {accXRe, accXIm, accYRe, accYIm};
     mapMany<4> (
         n,
         [] (auto xr, auto xi, auto yr, auto yi, auto hr, auto hi, auto axr, auto axi, auto ayr, auto ayi)
         {
-            return Outs<decltype (xr), 4> {{axr + productRe (xr, xi, hr, hi), axi + productIm (xr, xi, hr, hi),
-                                            ayr + productRe (yr, yi, hr, hi), ayi + productIm (yr, yi, hr, hi)}};
+            return Outs<decltype (xr), 4>{{axr + productRe (xr, xi, hr, hi), axi + productIm (xr, xi, hr, hi),
+                                           ayr + productRe (yr, yi, hr, hi),
+                                           ayi + productIm (yr, yi, hr, hi)}};
         },
         outs, xRe, xIm, yRe, yIm, hRe, hIm, static_cast<const T*> (accXRe), static_cast<const T*> (accXIm),
         static_cast<const T*> (accYRe), static_cast<const T*> (accYIm));
@@ -73,7 +77,7 @@ void zMulAccTwin (const T* xRe, const T* xIm, const T* yRe, const T* yIm, const 
 
 // The interleaved forms have no call site in the plug-in; plain loops with the
 // member's rounding.
-template <typename T>
+template<typename T>
 void cMul (const T* a, const T* b, T* out, uint32_t n)
 {
     for (uint32_t i = 0; i < n; ++i)
@@ -84,7 +88,7 @@ void cMul (const T* a, const T* b, T* out, uint32_t n)
     }
 }
 
-template <typename T>
+template<typename T>
 void cMulAcc (const T* a, const T* b, T* inout, uint32_t n)
 {
     for (uint32_t i = 0; i < n; ++i)

@@ -12,7 +12,8 @@
 // Scalar helpers use compiler built-ins rather than std:: templates, since an
 // out-of-line copy of those would be shared between the members.
 
-#if !defined(HVN_ISA_NAMESPACE) || !defined(HVN_ISA_ARCH) || !defined(HVN_ISA_FUSED) || !defined(HVN_ISA_INT_ARCH)
+#if !defined(HVN_ISA_NAMESPACE) || !defined(HVN_ISA_ARCH) || !defined(HVN_ISA_FUSED) ||                      \
+    !defined(HVN_ISA_INT_ARCH)
 #error "A member translation unit must define its namespace, architecture and integer architecture"
 #endif
 
@@ -28,21 +29,24 @@ using IntArch = HVN_ISA_INT_ARCH;
 static_assert (Arch::supported(), "this member is compiled without the instruction-set flags it needs");
 static_assert (IntArch::supported(), "this member is compiled without the instruction-set flags it needs");
 
-template <typename T>
+template<typename T>
 using B = xsimd::batch<T, Arch>;
 
 constexpr bool fused = HVN_ISA_FUSED != 0;
 constexpr bool hasRounding = !std::is_same<Arch, xsimd::sse3>::value;
 constexpr uintptr_t alignMask = Arch::alignment() - 1;
 
-template <typename V>
+template<typename V>
 constexpr bool isScalar = std::is_arithmetic<V>::value;
 
-inline bool aligned (const void* p) { return (reinterpret_cast<uintptr_t> (p) & alignMask) == 0; }
+inline bool aligned (const void* p)
+{
+    return (reinterpret_cast<uintptr_t> (p) & alignMask) == 0;
+}
 
 // True when the ranges differ but intersect: such calls take the element loop,
 // which reads and writes in the order of the formula.
-template <typename T, typename U>
+template<typename T, typename U>
 inline bool partialOverlap (const T* out, const U* in, uint32_t n)
 {
     const uintptr_t o = reinterpret_cast<uintptr_t> (out), i = reinterpret_cast<uintptr_t> (in);
@@ -52,7 +56,7 @@ inline bool partialOverlap (const T* out, const U* in, uint32_t n)
     return o < i + bytesIn && i < o + bytesOut;
 }
 
-template <bool Aligned, typename T>
+template<bool Aligned, typename T>
 inline B<T> load (const T* p)
 {
     if constexpr (Aligned)
@@ -61,7 +65,7 @@ inline B<T> load (const T* p)
         return B<T>::load_unaligned (p);
 }
 
-template <bool Aligned, typename T>
+template<bool Aligned, typename T>
 inline void store (T* p, const B<T>& v)
 {
     if constexpr (Aligned)
@@ -71,12 +75,24 @@ inline void store (T* p, const B<T>& v)
 }
 
 // a*b + c and a*b - c, fused in the members that have FMA.
-inline float madd (float a, float b, float c) { return fused ? __builtin_fmaf (a, b, c) : a * b + c; }
-inline double madd (double a, double b, double c) { return fused ? __builtin_fma (a, b, c) : a * b + c; }
-inline float msub (float a, float b, float c) { return fused ? __builtin_fmaf (a, b, -c) : a * b - c; }
-inline double msub (double a, double b, double c) { return fused ? __builtin_fma (a, b, -c) : a * b - c; }
+inline float madd (float a, float b, float c)
+{
+    return fused ? __builtin_fmaf (a, b, c) : a * b + c;
+}
+inline double madd (double a, double b, double c)
+{
+    return fused ? __builtin_fma (a, b, c) : a * b + c;
+}
+inline float msub (float a, float b, float c)
+{
+    return fused ? __builtin_fmaf (a, b, -c) : a * b - c;
+}
+inline double msub (double a, double b, double c)
+{
+    return fused ? __builtin_fma (a, b, -c) : a * b - c;
+}
 
-template <typename T>
+template<typename T>
 inline B<T> madd (const B<T>& a, const B<T>& b, const B<T>& c)
 {
     if constexpr (fused)
@@ -85,7 +101,7 @@ inline B<T> madd (const B<T>& a, const B<T>& b, const B<T>& c)
         return a * b + c;
 }
 
-template <typename T>
+template<typename T>
 inline B<T> msub (const B<T>& a, const B<T>& b, const B<T>& c)
 {
     if constexpr (fused)
@@ -96,32 +112,56 @@ inline B<T> msub (const B<T>& a, const B<T>& b, const B<T>& c)
 
 // Comparisons in the order of the packed max and min instructions: the
 // second operand wins when either is NaN, in the vector loop and the tail alike.
-inline float vmax (float a, float b) { return a > b ? a : b; }
-inline double vmax (double a, double b) { return a > b ? a : b; }
-inline float vmin (float a, float b) { return a < b ? a : b; }
-inline double vmin (double a, double b) { return a < b ? a : b; }
-template <typename T>
+inline float vmax (float a, float b)
+{
+    return a > b ? a : b;
+}
+inline double vmax (double a, double b)
+{
+    return a > b ? a : b;
+}
+inline float vmin (float a, float b)
+{
+    return a < b ? a : b;
+}
+inline double vmin (double a, double b)
+{
+    return a < b ? a : b;
+}
+template<typename T>
 inline B<T> vmax (const B<T>& a, const B<T>& b)
 {
     return xsimd::max (a, b);
 }
-template <typename T>
+template<typename T>
 inline B<T> vmin (const B<T>& a, const B<T>& b)
 {
     return xsimd::min (a, b);
 }
 
-inline float vabs (float x) { return __builtin_fabsf (x); }
-inline double vabs (double x) { return __builtin_fabs (x); }
-template <typename T>
+inline float vabs (float x)
+{
+    return __builtin_fabsf (x);
+}
+inline double vabs (double x)
+{
+    return __builtin_fabs (x);
+}
+template<typename T>
 inline B<T> vabs (const B<T>& x)
 {
     return xsimd::abs (x);
 }
 
-inline float vcopysign (float x, float y) { return __builtin_copysignf (x, y); }
-inline double vcopysign (double x, double y) { return __builtin_copysign (x, y); }
-template <typename T>
+inline float vcopysign (float x, float y)
+{
+    return __builtin_copysignf (x, y);
+}
+inline double vcopysign (double x, double y)
+{
+    return __builtin_copysign (x, y);
+}
+template<typename T>
 inline B<T> vcopysign (const B<T>& x, const B<T>& y)
 {
     return xsimd::copysign (x, y);
@@ -129,10 +169,10 @@ inline B<T> vcopysign (const B<T>& x, const B<T>& y)
 
 // Rounding. Without SSE4.1 the vector forms add and subtract 2^23 (2^52),
 // which rounds to nearest-even in the default mode, then correct the result.
-template <typename T>
+template<typename T>
 constexpr T roundingMagic = sizeof (T) == 4 ? T (8388608.0) : T (4503599627370496.0);
 
-template <typename T>
+template<typename T>
 inline B<T> roundEven (const B<T>& x)
 {
     if constexpr (hasRounding)
@@ -145,7 +185,7 @@ inline B<T> roundEven (const B<T>& x)
     }
 }
 
-template <typename T>
+template<typename T>
 inline B<T> truncate (const B<T>& x)
 {
     if constexpr (hasRounding)
@@ -159,7 +199,7 @@ inline B<T> truncate (const B<T>& x)
     }
 }
 
-template <typename T>
+template<typename T>
 inline B<T> floorOf (const B<T>& x)
 {
     if constexpr (hasRounding)
@@ -171,16 +211,34 @@ inline B<T> floorOf (const B<T>& x)
     }
 }
 
-inline float truncate (float x) { return __builtin_truncf (x); }
-inline double truncate (double x) { return __builtin_trunc (x); }
-inline float floorOf (float x) { return __builtin_floorf (x); }
-inline double floorOf (double x) { return __builtin_floor (x); }
-inline float roundAway (float x) { return __builtin_roundf (x); }
-inline double roundAway (double x) { return __builtin_round (x); }
+inline float truncate (float x)
+{
+    return __builtin_truncf (x);
+}
+inline double truncate (double x)
+{
+    return __builtin_trunc (x);
+}
+inline float floorOf (float x)
+{
+    return __builtin_floorf (x);
+}
+inline double floorOf (double x)
+{
+    return __builtin_floor (x);
+}
+inline float roundAway (float x)
+{
+    return __builtin_roundf (x);
+}
+inline double roundAway (double x)
+{
+    return __builtin_round (x);
+}
 
 // Truncating conversion with the packed instruction's answer for values out of
 // range and NaN.
-template <typename T>
+template<typename T>
 inline int32_t toInt32 (T x)
 {
     if (x >= T (-2147483648.0) && x < T (2147483648.0))
@@ -191,7 +249,7 @@ inline int32_t toInt32 (T x)
 // Element-wise loops. The operation is a generic lambda that is called with
 // batches in the vector loop and with scalars in the tail, so both compute the
 // same formula; scalars it captures are widened with V(s).
-template <bool Aligned, typename T, typename Op, typename... In>
+template<bool Aligned, typename T, typename Op, typename... In>
 inline uint32_t mapBody (uint32_t n, Op& op, T* out, const In*... in)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -212,7 +270,7 @@ inline uint32_t mapBody (uint32_t n, Op& op, T* out, const In*... in)
     return i;
 }
 
-template <typename T, typename Op, typename... In>
+template<typename T, typename Op, typename... In>
 inline void map (uint32_t n, Op op, T* out, const In*... in)
 {
     uint32_t i = 0;
@@ -224,13 +282,13 @@ inline void map (uint32_t n, Op op, T* out, const In*... in)
 }
 
 // K outputs at once: the operation returns Outs<V, K>.
-template <typename V, int K>
+template<typename V, int K>
 struct Outs
 {
     V v[K];
 };
 
-template <bool Aligned, int K, typename T, typename Op, typename... In>
+template<bool Aligned, int K, typename T, typename Op, typename... In>
 inline uint32_t mapManyBody (uint32_t n, Op& op, T* const (&out)[K], const In*... in)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -244,7 +302,7 @@ inline uint32_t mapManyBody (uint32_t n, Op& op, T* const (&out)[K], const In*..
     return i;
 }
 
-template <int K, typename T, typename Op, typename... In>
+template<int K, typename T, typename Op, typename... In>
 inline void mapMany (uint32_t n, Op op, T* const (&out)[K], const In*... in)
 {
     bool overlap = false, allAligned = (true && ... && aligned (in));
@@ -267,7 +325,7 @@ inline void mapMany (uint32_t n, Op op, T* const (&out)[K], const In*... in)
 }
 
 // Sum of the lanes.
-template <typename T>
+template<typename T>
 inline T lanesSum (const B<T>& v)
 {
     return xsimd::hadd (v);

@@ -13,10 +13,22 @@
 
 namespace HVN_ISA_NAMESPACE
 {
-inline uint32_t doubleLanes() { return B<double>::size; }
-inline uint32_t floatLanes() { return B<float>::size; }
-inline uint32_t getFPControl() { return _mm_getcsr(); }
-inline void setFPControl (uint32_t value) { _mm_setcsr (value); }
+inline uint32_t doubleLanes()
+{
+    return B<double>::size;
+}
+inline uint32_t floatLanes()
+{
+    return B<float>::size;
+}
+inline uint32_t getFPControl()
+{
+    return _mm_getcsr();
+}
+inline void setFPControl (uint32_t value)
+{
+    _mm_setcsr (value);
+}
 
 // DAZ (bit 6) and FTZ (bit 15).
 inline void setFlushDenormals (bool on)
@@ -27,11 +39,17 @@ inline void setFlushDenormals (bool on)
 }
 } // namespace HVN_ISA_NAMESPACE
 
-#define HVN_SIMD_DEFINE_ENTRY(result, name, params, args) \
-    result HVN_ISA_CLASS::name params { return HVN_ISA_NAMESPACE::name args; }
+#define HVN_SIMD_DEFINE_ENTRY(result, name, params, args)                                                    \
+    result HVN_ISA_CLASS::name params                                                                        \
+    {                                                                                                        \
+        return HVN_ISA_NAMESPACE::name args;                                                                 \
+    }
 HVN_SIMD_ENTRIES (HVN_SIMD_DEFINE_ENTRY)
 #undef HVN_SIMD_DEFINE_ENTRY
 
 HVN_ISA_CLASS::~HVN_ISA_CLASS() = default;
 
-const HVNVecKernels& HVN_ISA_CLASS::vectorKernels() { return HVN_ISA_NAMESPACE::vectorKernelTable; }
+const HVNVecKernels& HVN_ISA_CLASS::vectorKernels()
+{
+    return HVN_ISA_NAMESPACE::vectorKernelTable;
+}

@@ -7,7 +7,7 @@
 
 namespace HVN_ISA_NAMESPACE
 {
-template <bool Aligned, typename T>
+template<bool Aligned, typename T>
 inline T dotBody (const T* a, const T* b, uint32_t n, uint32_t& done)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -26,7 +26,7 @@ inline T dotBody (const T* a, const T* b, uint32_t n, uint32_t& done)
     return lanesSum<T> ((acc0 + acc1) + (acc2 + acc3));
 }
 
-template <typename T>
+template<typename T>
 void vDot (const T* a, const T* b, T* out, uint32_t n)
 {
     uint32_t i = 0;
@@ -36,7 +36,7 @@ void vDot (const T* a, const T* b, T* out, uint32_t n)
     *out = sum;
 }
 
-template <typename T>
+template<typename T>
 void vMean (const T* in, T* out, uint32_t n)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -56,7 +56,7 @@ void vMean (const T* in, T* out, uint32_t n)
     *out = sum / T (n);
 }
 
-template <typename T>
+template<typename T>
 void vDotTwin (const T* a1, const T* a2, const T* b, T* out1, T* out2, uint32_t n)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -86,7 +86,7 @@ void vDotTwin (const T* a1, const T* a2, const T* b, T* out1, T* out2, uint32_t 
     *out2 = sum2;
 }
 
-template <typename T>
+template<typename T>
 void vDeinterleave (const T* in, T* outA, T* outB, uint32_t n)
 {
     for (uint32_t i = 0; i < n; ++i)
@@ -101,7 +101,7 @@ void vDeinterleave (const T* in, T* outA, T* outB, uint32_t n)
 // broadcast multiply-add into four vectors of outputs. A filter stride of -1
 // reads the filter backward from the pointer given, which makes it a true
 // convolution.
-template <typename T, int FilterStride>
+template<typename T, int FilterStride>
 inline uint32_t convBody (const T* in, const T* filter, T* out, uint32_t n, uint32_t taps)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -133,7 +133,7 @@ inline uint32_t convBody (const T* in, const T* filter, T* out, uint32_t n, uint
     return i;
 }
 
-template <typename T>
+template<typename T>
 void vConv (const T* in, int32_t inStride, const T* filter, int32_t filterStride, T* out, int32_t outStride,
             uint32_t n, uint32_t taps)
 {
@@ -155,7 +155,7 @@ void vConv (const T* in, int32_t inStride, const T* filter, int32_t filterStride
 // Decimating FIR: lanes run along the taps, four outputs per step, a scalar
 // tail over the taps left over and over the last outputs. The twin form reads
 // each filter vector once for two channels.
-template <int Channels, typename T>
+template<int Channels, typename T>
 inline void decimateBody (const T* const (&in)[Channels], uint32_t factor, const T* filter, uint32_t taps,
                           T* const (&out)[Channels], uint32_t n)
 {
@@ -173,7 +173,8 @@ inline void decimateBody (const T* const (&in)[Channels], uint32_t factor, const
             const B<T> h = B<T>::load_unaligned (filter + t);
             for (int c = 0; c < Channels; ++c)
                 for (uint32_t j = 0; j < 4; ++j)
-                    acc[c][j] = madd (B<T>::load_unaligned (in[c] + size_t (i + j) * factor + t), h, acc[c][j]);
+                    acc[c][j] =
+                        madd (B<T>::load_unaligned (in[c] + size_t (i + j) * factor + t), h, acc[c][j]);
         }
         for (int c = 0; c < Channels; ++c)
             for (uint32_t j = 0; j < 4; ++j)
@@ -196,7 +197,7 @@ inline void decimateBody (const T* const (&in)[Channels], uint32_t factor, const
         }
 }
 
-template <typename T>
+template<typename T>
 void vDecimate (const T* in, uint32_t factor, const T* filter, uint32_t taps, T* out, uint32_t n)
 {
     const T* const ins[1] = {in};
@@ -204,9 +205,9 @@ void vDecimate (const T* in, uint32_t factor, const T* filter, uint32_t taps, T*
     decimateBody<1> (ins, factor, filter, taps, outs, n);
 }
 
-template <typename T>
-void vDecimateTwin (const T* inA, const T* inB, uint32_t factor, const T* filter, uint32_t taps, T* outA, T* outB,
-                    uint32_t n)
+template<typename T>
+void vDecimateTwin (const T* inA, const T* inB, uint32_t factor, const T* filter, uint32_t taps, T* outA,
+                    T* outB, uint32_t n)
 {
     const T* const ins[2] = {inA, inB};
     T* const outs[2] = {outA, outB};

@@ -7,7 +7,7 @@
 namespace HVN_ISA_NAMESPACE
 {
 // Positions below 2 all interpolate around table[1], on purpose.
-template <typename T>
+template<typename T>
 void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
 {
     auto interpolate = [] (auto d, auto below, auto at, auto above)
@@ -52,7 +52,7 @@ void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
 
 // x = scale*in + offset; not (x >= 0) gives table[0], which catches NaN, and
 // x >= length-1 gives the last entry.
-template <typename T>
+template<typename T>
 void vTableLookup (const T* in, T scale, T offset, const T* table, uint32_t tableLength, T* out, uint32_t n)
 {
     if (tableLength < 2)
@@ -107,7 +107,7 @@ void vTableLookup (const T* in, T scale, T offset, const T* table, uint32_t tabl
 
 // Ascending powers, not Horner: acc starts at the constant term and each
 // further coefficient is added as p*c with p running through x, x^2, ...
-template <typename T>
+template<typename T>
 void vPoly (const T* in, const T* coefficients, uint32_t count, T* out, uint32_t n)
 {
     if (count == 0)
@@ -142,7 +142,7 @@ void vPoly (const T* in, const T* coefficients, uint32_t count, T* out, uint32_t
     map (n, evaluate, out, in);
 }
 
-template <typename T>
+template<typename T>
 void vScaleInt (const int32_t* ints, const T* scale, int32_t* outInts, uint32_t n)
 {
     uint32_t i = 0;
@@ -152,7 +152,8 @@ void vScaleInt (const int32_t* ints, const T* scale, int32_t* outInts, uint32_t 
         if (!partialOverlap (outInts, ints, n))
             for (; i + I::size <= n; i += I::size)
             {
-                const B<T> x = xsimd::to_float (I::load_unaligned (ints + i)) * B<T>::load_unaligned (scale + i);
+                const B<T> x =
+                    xsimd::to_float (I::load_unaligned (ints + i)) * B<T>::load_unaligned (scale + i);
                 xsimd::to_int (x).store_unaligned (outInts + i);
             }
     }
@@ -161,7 +162,7 @@ void vScaleInt (const int32_t* ints, const T* scale, int32_t* outInts, uint32_t 
 }
 
 // Wrapping 32-bit arithmetic; the AVX members without AVX2 work on 128-bit halves.
-template <typename Op>
+template<typename Op>
 inline void mapInt (const int32_t* in, int32_t s, int32_t* out, uint32_t n, Op op)
 {
     using I = xsimd::batch<int32_t, IntArch>;
@@ -186,7 +187,7 @@ inline void vScalarMulInt (const int32_t* in, int32_t s, int32_t* out, uint32_t 
     mapInt (in, s, out, n, [] (auto x, auto y) { return x * y; });
 }
 
-template <typename T>
+template<typename T>
 void vSortIndices (const T* values, uint32_t* indices, uint32_t n, bool descending)
 {
     HVNSortIndices::sort (values, indices, n, descending);

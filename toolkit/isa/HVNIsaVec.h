@@ -12,7 +12,7 @@ namespace HVN_ISA_NAMESPACE
 {
 // Transcendental forms have no scalar built-in that matches xsimd's result, so
 // the tail is padded into one vector instead.
-template <typename T, typename Op>
+template<typename T, typename Op>
 inline void mapPadded (uint32_t n, Op op, T* out, const T* in)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -33,21 +33,24 @@ inline void mapPadded (uint32_t n, Op op, T* out, const T* in)
     }
 }
 
-template <typename T>
+template<typename T>
 void expScaled (const T* in, T scale, T* out, uint32_t n)
 {
-    mapPadded (n, [scale] (B<T> x) { return xsimd::exp (B<T> (scale) * x); }, out, in);
+    mapPadded (
+        n, [scale] (B<T> x) { return xsimd::exp (B<T> (scale) * x); }, out, in);
 }
 
-template <typename T>
+template<typename T>
 void lnScaled (const T* in, T scale, T* out, uint32_t n)
 {
-    mapPadded (n, [scale] (B<T> x) { return B<T> (scale) * xsimd::log (x); }, out, in);
+    mapPadded (
+        n, [scale] (B<T> x) { return B<T> (scale) * xsimd::log (x); }, out, in);
 }
 
 inline void sinD (const double* in, double* out, uint32_t n)
 {
-    mapPadded (n, [] (B<double> x) { return xsimd::sin (x); }, out, in);
+    mapPadded (
+        n, [] (B<double> x) { return xsimd::sin (x); }, out, in);
 }
 
 inline void sincD (const double* in, double* out, uint32_t n)
@@ -84,7 +87,7 @@ inline void sinCosD (const double* in, double* sinOut, double* cosOut, uint32_t 
     }
 }
 
-template <typename T>
+template<typename T>
 void sqrtOf (const T* in, T* out, uint32_t n)
 {
     map (
@@ -144,7 +147,7 @@ inline void flipD (double* inout, uint32_t n)
     }
 }
 
-template <typename From, typename To>
+template<typename From, typename To>
 void convertArray (const From* in, To* out, uint32_t n)
 {
     // Wide loads of the narrower type would need lane shuffles that differ per
@@ -153,7 +156,7 @@ void convertArray (const From* in, To* out, uint32_t n)
         out[i] = static_cast<To> (in[i]);
 }
 
-template <typename T>
+template<typename T>
 void ramp (T start, T step, T* out, uint32_t n)
 {
     constexpr uint32_t lanes = B<T>::size;
@@ -175,7 +178,7 @@ void ramp (T start, T step, T* out, uint32_t n)
         out[i] = start + T (i) * step;
 }
 
-template <typename T>
+template<typename T>
 void lowerBound (const T* in, T level, T* out, uint32_t n)
 {
     map (
@@ -191,7 +194,7 @@ void lowerBound (const T* in, T level, T* out, uint32_t n)
         out, in);
 }
 
-template <typename T>
+template<typename T>
 void upperBound (const T* in, T level, T* out, uint32_t n)
 {
     map (
@@ -207,7 +210,7 @@ void upperBound (const T* in, T level, T* out, uint32_t n)
         out, in);
 }
 
-template <typename T>
+template<typename T>
 void clipBoth (const T* in, T low, T high, T* out, uint32_t n)
 {
     map (
@@ -223,11 +226,25 @@ void clipBoth (const T* in, T low, T high, T* out, uint32_t n)
         out, in);
 }
 
-inline const HVNVecKernels vectorKernelTable {
-    &expScaled<float>,       &expScaled<double>,     &lnScaled<double>,       &sinD,
-    &sinCosD,                &sincD,                 &sqrtOf<float>,          &sqrtOf<double>,
-    &magnitudeD,             &normInfD,              &flipD,                  &convertArray<double, float>,
-    &convertArray<float, double>, &ramp<float>,      &ramp<double>,           &lowerBound<float>,
-    &lowerBound<double>,     &upperBound<float>,     &upperBound<double>,     &clipBoth<float>,
-    &clipBoth<double>};
+inline const HVNVecKernels vectorKernelTable{&expScaled<float>,
+                                             &expScaled<double>,
+                                             &lnScaled<double>,
+                                             &sinD,
+                                             &sinCosD,
+                                             &sincD,
+                                             &sqrtOf<float>,
+                                             &sqrtOf<double>,
+                                             &magnitudeD,
+                                             &normInfD,
+                                             &flipD,
+                                             &convertArray<double, float>,
+                                             &convertArray<float, double>,
+                                             &ramp<float>,
+                                             &ramp<double>,
+                                             &lowerBound<float>,
+                                             &lowerBound<double>,
+                                             &upperBound<float>,
+                                             &upperBound<double>,
+                                             &clipBoth<float>,
+                                             &clipBoth<double>};
 } // namespace HVN_ISA_NAMESPACE

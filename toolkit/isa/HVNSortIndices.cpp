@@ -4,7 +4,7 @@
 
 namespace
 {
-template <typename T>
+template<typename T>
 void sortIndices (const T* values, uint32_t* indices, uint32_t n, bool descending)
 {
     for (uint32_t i = 0; i < n; ++i)
