@@ -16,7 +16,7 @@ for obj in "$@"; do
       # VEX instructions disassemble with a leading "v" mnemonic (vmovaps,
       # vzeroupper, ...); match mnemonics only, not symbol names.
       bad="$(objdump -d --no-show-raw-insn "$obj" \
-        | awk -F'\t' 'NF >= 2 && ($2 ~ /^v[a-z0-9]+/ || $0 ~ /%ymm/) { print }' | head -5)"
+        | awk -F'\t' 'NF >= 2 && ($2 ~ /^v[a-z0-9]+/ || $0 ~ /%ymm/) && shown++ < 5 { print }')"
       if [ -n "$bad" ]; then
         echo "FAIL: $name contains VEX-encoded instructions or ymm registers:"
         echo "$bad"

@@ -4,8 +4,21 @@
 #include "toolkit/isa/HVNIsaCore.h"
 #include "toolkit/isa/HVNSortIndices.h"
 
+#include <utility>
+
 namespace HVN_ISA_NAMESPACE
 {
+template<typename T>
+using Lanes = std::make_index_sequence<B<T>::size>;
+
+// One vector from table entries picked by the offsets, built from scalar loads
+// in registers rather than through memory, which would stall store forwarding.
+template<typename T, std::size_t... J>
+inline B<T> gatherLanes (const T* table, const int32_t* offsets, int32_t delta, std::index_sequence<J...>)
+{
+    return B<T>{table[offsets[J] + delta]...};
+}
+
 // Positions below 2 all interpolate around table[1], on purpose.
 template<typename T>
 void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
@@ -25,18 +38,15 @@ void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
         const B<T> x = B<T>::load_unaligned (positions + i);
         const B<T> t = truncate (x);
         const B<T> k = xsimd::select (t < B<T> (T (2)), B<T> (T (1)), t);
-        alignas (64) T index[lanes], below[lanes], at[lanes], above[lanes];
+        alignas (64) T index[lanes];
         k.store_aligned (index);
         // The table is read with scalar loads: no gather instruction.
+        int32_t offsets[lanes];
         for (uint32_t j = 0; j < lanes; ++j)
-        {
-            const T* p = table + static_cast<int64_t> (index[j]);
-            below[j] = p[-1];
-            at[j] = p[0];
-            above[j] = p[1];
-        }
-        const B<T> r = interpolate (x - k, B<T>::load_aligned (below), B<T>::load_aligned (at),
-                                    B<T>::load_aligned (above));
+            offsets[j] = static_cast<int32_t> (index[j]);
+        const B<T> r = interpolate (x - k, gatherLanes (table, offsets, -1, Lanes<T>{}),
+                                    gatherLanes (table, offsets, 0, Lanes<T>{}),
+                                    gatherLanes (table, offsets, 1, Lanes<T>{}));
         r.store_unaligned (out + i);
     }
     for (; i < n; ++i)
@@ -79,15 +89,14 @@ void vTableLookup (const T* in, T scale, T offset, const T* table, uint32_t tabl
             // At the last entry k stops one short and f becomes 1, so that
             // table[k + 1] stays inside the table.
             const B<T> k = xsimd::min (truncate (x), B<T> (last - T (1)));
-            alignas (64) T index[lanes], lower[lanes], upper[lanes];
+            alignas (64) T index[lanes];
             k.store_aligned (index);
+            int32_t offsets[lanes];
             for (uint32_t j = 0; j < lanes; ++j)
-            {
-                const T* p = table + static_cast<uint32_t> (index[j]);
-                lower[j] = p[0];
-                upper[j] = p[1];
-            }
-            blend (x - k, B<T>::load_aligned (lower), B<T>::load_aligned (upper)).store_unaligned (out + i);
+                offsets[j] = static_cast<int32_t> (index[j]);
+            const B<T> lower = gatherLanes (table, offsets, 0, Lanes<T>{});
+            const B<T> upper = gatherLanes (table, offsets, 1, Lanes<T>{});
+            blend (x - k, lower, upper).store_unaligned (out + i);
         }
     for (; i < n; ++i)
     {
