@@ -19,6 +19,26 @@ inline V productIm (V aRe, V aIm, V bRe, V bIm)
     return madd (aRe, bIm, aIm * bRe);
 }
 
+// acc + (a*b) in split form. The fused members fold the accumulator into the
+// two multiply-adds; the others keep the product's own rounding.
+template<typename V>
+inline V accumulateRe (V acc, V aRe, V aIm, V bRe, V bIm)
+{
+    if constexpr (fused)
+        return -madd (aIm, bIm, -madd (aRe, bRe, acc));
+    else
+        return acc + productRe (aRe, aIm, bRe, bIm);
+}
+
+template<typename V>
+inline V accumulateIm (V acc, V aRe, V aIm, V bRe, V bIm)
+{
+    if constexpr (fused)
+        return madd (aIm, bRe, madd (aRe, bIm, acc));
+    else
+        return acc + productIm (aRe, aIm, bRe, bIm);
+}
+
 template<typename T>
 void zAdd (const T* aRe, const T* aIm, const T* bRe, const T* bIm, T* outRe, T* outIm, uint32_t n)
 {
@@ -49,9 +69,10 @@ void zMulAcc (const T* aRe, const T* aIm, const T* bRe, const T* bIm, T* outRe, 
     T* const outs[2] = {outRe, outIm};
     mapMany<2> (
         n,
-        [] (auto ar, auto ai, auto br, auto bi, auto accRe, auto accIm) {
+        [] (auto ar, auto ai, auto br, auto bi, auto accRe, auto accIm)
+        {
             return Outs<decltype (ar), 2>{
-                {accRe + productRe (ar, ai, br, bi), accIm + productIm (ar, ai, br, bi)}};
+                {accumulateRe (accRe, ar, ai, br, bi), accumulateIm (accIm, ar, ai, br, bi)}};
         },
         outs, aRe, aIm, bRe, bIm, static_cast<const T*> (outRe), static_cast<const T*> (outIm));
 }
@@ -67,9 +88,9 @@ void zMulAccTwin (const T* xRe, const T* xIm, const T* yRe, const T* yIm, const 
         n,
         [] (auto xr, auto xi, auto yr, auto yi, auto hr, auto hi, auto axr, auto axi, auto ayr, auto ayi)
         {
-            return Outs<decltype (xr), 4>{{axr + productRe (xr, xi, hr, hi), axi + productIm (xr, xi, hr, hi),
-                                           ayr + productRe (yr, yi, hr, hi),
-                                           ayi + productIm (yr, yi, hr, hi)}};
+            return Outs<decltype (xr), 4>{
+                {accumulateRe (axr, xr, xi, hr, hi), accumulateIm (axi, xr, xi, hr, hi),
+                 accumulateRe (ayr, yr, yi, hr, hi), accumulateIm (ayi, yr, yi, hr, hi)}};
         },
         outs, xRe, xIm, yRe, yIm, hRe, hIm, static_cast<const T*> (accXRe), static_cast<const T*> (accXIm),
         static_cast<const T*> (accYRe), static_cast<const T*> (accYIm));
@@ -94,8 +115,8 @@ void cMulAcc (const T* a, const T* b, T* inout, uint32_t n)
     for (uint32_t i = 0; i < n; ++i)
     {
         const T ar = a[2 * i], ai = a[2 * i + 1], br = b[2 * i], bi = b[2 * i + 1];
-        inout[2 * i] += productRe (ar, ai, br, bi);
-        inout[2 * i + 1] += productIm (ar, ai, br, bi);
+        inout[2 * i] = accumulateRe (inout[2 * i], ar, ai, br, bi);
+        inout[2 * i + 1] = accumulateIm (inout[2 * i + 1], ar, ai, br, bi);
     }
 }
 } // namespace HVN_ISA_NAMESPACE

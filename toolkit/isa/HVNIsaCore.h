@@ -21,6 +21,7 @@
 
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 namespace HVN_ISA_NAMESPACE
 {
@@ -288,17 +289,20 @@ struct Outs
     V v[K];
 };
 
+template<bool Aligned, int K, typename T, int... Ks>
+inline void storeAll (T* const (&out)[K], uint32_t i, const Outs<B<T>, K>& r,
+                      std::integer_sequence<int, Ks...>)
+{
+    (store<Aligned> (out[Ks] + i, r.v[Ks]), ...);
+}
+
 template<bool Aligned, int K, typename T, typename Op, typename... In>
 inline uint32_t mapManyBody (uint32_t n, Op& op, T* const (&out)[K], const In*... in)
 {
     constexpr uint32_t lanes = B<T>::size;
     uint32_t i = 0;
     for (; i + lanes <= n; i += lanes)
-    {
-        const Outs<B<T>, K> r = op (load<Aligned> (in + i)...);
-        for (int k = 0; k < K; ++k)
-            store<Aligned> (out[k] + i, r.v[k]);
-    }
+        storeAll<Aligned> (out, i, op (load<Aligned> (in + i)...), std::make_integer_sequence<int, K>{});
     return i;
 }
 

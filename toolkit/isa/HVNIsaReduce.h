@@ -159,28 +159,39 @@ template<int Channels, typename T>
 inline void decimateBody (const T* const (&in)[Channels], uint32_t factor, const T* filter, uint32_t taps,
                           T* const (&out)[Channels], uint32_t n)
 {
+    static_assert (Channels == 1 || Channels == 2, "one or two channels");
     constexpr uint32_t lanes = B<T>::size;
     const uint32_t vectorTaps = taps - taps % lanes;
+    const size_t step = factor;
     uint32_t i = 0;
     for (; i + 4 <= n; i += 4)
     {
-        B<T> acc[Channels][4];
-        for (int c = 0; c < Channels; ++c)
-            for (int j = 0; j < 4; ++j)
-                acc[c][j] = B<T> (T (0));
+        // Named accumulators, so that they stay in registers.
+        const T* xa = in[0] + size_t (i) * step;
+        const T* xb = in[Channels - 1] + size_t (i) * step;
+        B<T> a0 (T (0)), a1 (T (0)), a2 (T (0)), a3 (T (0));
+        B<T> b0 (T (0)), b1 (T (0)), b2 (T (0)), b3 (T (0));
         for (uint32_t t = 0; t < vectorTaps; t += lanes)
         {
             const B<T> h = B<T>::load_unaligned (filter + t);
-            for (int c = 0; c < Channels; ++c)
-                for (uint32_t j = 0; j < 4; ++j)
-                    acc[c][j] =
-                        madd (B<T>::load_unaligned (in[c] + size_t (i + j) * factor + t), h, acc[c][j]);
+            a0 = madd (B<T>::load_unaligned (xa + t), h, a0);
+            a1 = madd (B<T>::load_unaligned (xa + step + t), h, a1);
+            a2 = madd (B<T>::load_unaligned (xa + 2 * step + t), h, a2);
+            a3 = madd (B<T>::load_unaligned (xa + 3 * step + t), h, a3);
+            if constexpr (Channels == 2)
+            {
+                b0 = madd (B<T>::load_unaligned (xb + t), h, b0);
+                b1 = madd (B<T>::load_unaligned (xb + step + t), h, b1);
+                b2 = madd (B<T>::load_unaligned (xb + 2 * step + t), h, b2);
+                b3 = madd (B<T>::load_unaligned (xb + 3 * step + t), h, b3);
+            }
         }
+        const B<T> partial[2][4] = {{a0, a1, a2, a3}, {b0, b1, b2, b3}};
         for (int c = 0; c < Channels; ++c)
             for (uint32_t j = 0; j < 4; ++j)
             {
-                T sum = lanesSum<T> (acc[c][j]);
-                const T* x = in[c] + size_t (i + j) * factor;
+                T sum = lanesSum<T> (partial[c][j]);
+                const T* x = in[c] + size_t (i + j) * step;
                 for (uint32_t t = vectorTaps; t < taps; ++t)
                     sum = madd (x[t], filter[t], sum);
                 out[c][i + j] = sum;
@@ -189,7 +200,7 @@ inline void decimateBody (const T* const (&in)[Channels], uint32_t factor, const
     for (; i < n; ++i)
         for (int c = 0; c < Channels; ++c)
         {
-            const T* x = in[c] + size_t (i) * factor;
+            const T* x = in[c] + size_t (i) * step;
             T sum = T (0);
             for (uint32_t t = 0; t < taps; ++t)
                 sum = madd (x[t], filter[t], sum);
