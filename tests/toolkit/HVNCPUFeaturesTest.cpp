@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <stdexcept>
 
 // The level table and the selection rules, on made-up processors.
@@ -182,4 +183,25 @@ TEST (HVNSIMDSelection, ThisProcessorGetsItsWidestMemberOnce)
     EXPECT_EQ (&first, HVNSIMD::member (HVNSIMD::selected()));
     EXPECT_EQ (HVNCPUFeatures::level(),
                HVNCPUFeatures::computeLevel (&HVNCPUFeatures::cpuid, &HVNCPUFeatures::xgetbv));
+}
+
+// The choice is made once per process, so these run in a fresh child each.
+TEST (HVNSIMDSelection, EnvironmentCanNarrowTheChoiceButNotWidenIt)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT (
+        {
+            setenv ("ZOLK_SIMD_MEMBER", "sse3", 1);
+            std::exit (
+                HVNSIMD::selected() == HVNSIMDMember::sse3 && HVNSIMD::instance().floatLanes() == 4 ? 0 : 1);
+        },
+        ::testing::ExitedWithCode (0), "");
+    EXPECT_EXIT (
+        {
+            setenv ("ZOLK_SIMD_MEMBER", "avx512", 1);
+            const HVNSIMDMember automatic =
+                HVNSIMD::choose (HVNCPUFeatures::level(), HVNCPUFeatures::hasFMA3());
+            std::exit (HVNSIMD::selected() == automatic ? 0 : 1);
+        },
+        ::testing::ExitedWithCode (0), "");
 }
