@@ -2,6 +2,8 @@
 # Checks the per-instruction-set objects of the vector library:
 #  - the SSE3 and SSE4.1 members contain no VEX-encoded instruction and no ymm
 #    register, so they run on processors without AVX;
+#  - the SSE3 member contains none of the SSSE3 or SSE4.1 instructions the
+#    compiler would use (rounding, blends, 32-bit multiplies, inserts, extracts);
 #  - no member defines code outside its own namespaces that the linker could
 #    merge with another member's copy (weak or global functions other than the
 #    member class itself).
@@ -26,6 +28,16 @@ for obj in "$@"; do
       fi
       ;;
   esac
+  if [ "$name" = HVNSSE3.cpp.o ]; then
+    bad="$(objdump -d --no-show-raw-insn "$obj" | awk -F'\t' 'NF >= 2 && $2 ~ /^(round|blendv?p|pblend|pmulld|pminsd|pmaxsd|pminud|pmaxud|ptest|insertps|extractps|pextr[bdq]|pinsr[bdq]|pmovsx|pmovzx|dpp|pshufb|palignr|pabs|phadd|phsub|pcmpeqq|packusdw)/ && shown++ < 5 { print }')"
+    if [ -n "$bad" ]; then
+      echo "FAIL: $name contains instructions newer than SSE3:"
+      echo "$bad"
+      status=1
+    else
+      echo "ok: $name has nothing newer than SSE3"
+    fi
+  fi
   case "$name" in
     HVNSSE3.cpp.o|HVNSSE41.cpp.o|HVNAVX.cpp.o|HVNAVXFMA.cpp.o|HVNAVX2FMA.cpp.o)
       class="${name%.cpp.o}"
