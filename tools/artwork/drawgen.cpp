@@ -8,7 +8,6 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
-#include <hb-ft.h>
 #include <hb.h>
 
 #include <nlohmann/json.hpp>
@@ -130,9 +129,14 @@ std::unique_ptr<Font> openFont (const std::string& file, int index)
     if (FT_New_Face (ftLibrary, file.c_str(), index, &f->face) != 0)
         throw std::runtime_error ("cannot open font " + file);
     f->upem = f->face->units_per_EM;
-    f->hb = hb_ft_font_create_referenced (f->face);
+    // HarfBuzz's own OpenType functions, in font units, so that advances and
+    // FreeType's unscaled outlines share one unit.
+    hb_blob_t* blob = hb_blob_create_from_file (file.c_str());
+    hb_face_t* face = hb_face_create (blob, (unsigned) index);
+    f->hb = hb_font_create (face);
+    hb_face_destroy (face);
+    hb_blob_destroy (blob);
     hb_font_set_scale (f->hb, (int) f->upem, (int) f->upem);
-    hb_ft_font_set_load_flags (f->hb, FT_LOAD_NO_SCALE | FT_LOAD_NO_HINTING);
     return f;
 }
 
@@ -693,7 +697,7 @@ struct Generator
             json perLang;
             for (const auto& lang : languages)
             {
-                TextStyle st {lang == "emoji" ? 15.0 : 10.5, false, Align::centre};
+                TextStyle st {lang == "emoji" ? 17.0 : 10.5, false, Align::centre};
                 std::string d = placeText (fonts, {labels["param"][sid][lang]}, lang, box[0], box[1], box[2], box[3], st);
                 perLang[lang] = json::array ({textElement (d, frameFromBottom (c["frame"]), "caption")});
             }
@@ -774,7 +778,7 @@ struct Generator
                 std::vector<std::string> lines = labels["hud"][o][lang];
                 const bool emoji = lang == "emoji";
                 std::string d = placeText (fonts, lines, lang, 2, 1, w - 4, h - 2,
-                                           TextStyle {emoji ? 10.0 : 9.0, ! emoji, Align::centre});
+                                           TextStyle {emoji ? 11.5 : 9.0, ! emoji, Align::centre});
                 perLang[lang] = json::array ({element (d, frame, fillStyle (rgba (1, 1, 1, o == 0 ? 1.0 : 0.2)))});
             }
             options[std::to_string (o)] = perLang;
