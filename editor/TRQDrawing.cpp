@@ -77,6 +77,12 @@ void readPattern (TRQDrawingElement& e, const json& pattern)
         if (auto* format = juce::ImageFileFormat::findImageFormatForStream (in))
             image = format->decodeImage (in);
     }
+    if (! image.isValid())
+    {
+        // A fill without its image would otherwise paint plain black.
+        e.fill = juce::FillType (juce::Colours::transparentBlack);
+        return;
+    }
     e.fill = juce::FillType (image, juce::AffineTransform::scale (0.25f));
     e.fill.setOpacity (static_cast<float> (drawingChannelToByte (pattern.at (0).get<double>())) / 255.0f);
 }
