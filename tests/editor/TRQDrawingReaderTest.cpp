@@ -30,7 +30,7 @@ TEST (TRQDrawingReader, ColourChannelsBecomeBytes)
     EXPECT_EQ (drawingChannelToByte (-0.2), 0);
     EXPECT_EQ (drawingChannelToByte (0.99), 253);
     EXPECT_EQ (drawingColour (json::parse ("[1.0, 0.5, 0.0, 0.28]")),
-               juce::Colour ((juce::uint8) 255, (juce::uint8) 127, (juce::uint8) 0, (juce::uint8) 71));
+               juce::Colour ((juce::uint8)255, (juce::uint8)127, (juce::uint8)0, (juce::uint8)71));
 }
 
 TEST (TRQDrawingReader, StyleChoiceAndSolidFill)
