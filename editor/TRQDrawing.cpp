@@ -77,7 +77,7 @@ void readPattern (TRQDrawingElement& e, const json& pattern)
         if (auto* format = juce::ImageFileFormat::findImageFormatForStream (in))
             image = format->decodeImage (in);
     }
-    if (! image.isValid())
+    if (!image.isValid())
     {
         // A fill without its image would otherwise paint plain black.
         e.fill = juce::FillType (juce::Colours::transparentBlack);

@@ -1,4 +1,5 @@
 #include "editor/TRQLookAndFeel.h"
+#include "editor/TRQSymbols.h"
 
 #include <gtest/gtest.h>
 
@@ -64,8 +65,31 @@ TEST (TRQLookAndFeel, SymbolFontHasTheGlyphsTheEditorUses)
     juce::GlyphArrangement unassigned;
     unassigned.addLineOfText (lf.symbolFont (20.0f), juce::String::charToString (0xE7FF), 0, 0);
     const auto fallback = unassigned.getBoundingBox (0, -1, true);
-    for (juce::juce_wchar c : {0xE102, 0xE110, 0xE111, 0xE114, 0xE115, 0xE120, 0xE122, 0xE130, 0xE140, 0xE141,
-                               0xE800, 0xE801, 0xE802, 0xE803, 0xE805, 0xE806, 0xE808, 0xE809})
+    using namespace TRQSymbols;
+    for (juce::juce_wchar c : {lock,
+                               undo,
+                               redo,
+                               nextPreset,
+                               previousPreset,
+                               advancedControls,
+                               advancedControlsClose,
+                               getCurrentSettings,
+                               dismiss,
+                               rowMenu,
+                               arrowUp,
+                               arrowDown,
+                               arrowLeft,
+                               arrowRight,
+                               unitDecibelPerOctave,
+                               unitKilohertz,
+                               unitHertz,
+                               unitDecibel,
+                               unitPercent,
+                               unitSecond,
+                               unitMillisecond,
+                               unitDegree,
+                               unitBeatsPerMinute,
+                               unitTimes})
     {
         juce::GlyphArrangement glyphs;
         glyphs.addLineOfText (lf.symbolFont (20.0f), juce::String::charToString (c), 0, 0);

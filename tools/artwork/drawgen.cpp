@@ -282,8 +282,12 @@ Shaped shapeLine (FontSet& fonts, const std::string& text, const std::string& la
     struct Run
     {
         Font* font;
+        bool number;
         std::vector<uint32_t> cps;
     };
+    // Numbers read left to right even inside Arabic, so they are runs of their own.
+    auto isDigit = [] (uint32_t cp)
+    { return (cp >= '0' && cp <= '9') || (cp >= 0x660 && cp <= 0x669) || (cp >= 0x6F0 && cp <= 0x6F9); };
     std::vector<Run> runs;
     for (uint32_t cp : cps)
     {
@@ -296,8 +300,9 @@ Shaped shapeLine (FontSet& fonts, const std::string& text, const std::string& la
                 f = cand;
         if (f == nullptr)
             throw std::runtime_error ("no font has U+" + std::to_string (cp) + " in \"" + text + "\"");
-        if (runs.empty() || runs.back().font != f)
-            runs.push_back ({f, {}});
+        const bool number = isDigit (cp) || (neutral && ! runs.empty() && runs.back().number && cp != ' ');
+        if (runs.empty() || runs.back().font != f || runs.back().number != number)
+            runs.push_back ({f, number, {}});
         runs.back().cps.push_back (cp);
     }
     if (lang == "ar")
@@ -311,6 +316,8 @@ Shaped shapeLine (FontSet& fonts, const std::string& text, const std::string& la
         hb_buffer_t* buf = hb_buffer_create();
         hb_buffer_add_utf32 (buf, run.cps.data(), (int) run.cps.size(), 0, (int) run.cps.size());
         hb_buffer_guess_segment_properties (buf);
+        if (run.number)
+            hb_buffer_set_direction (buf, HB_DIRECTION_LTR);
         if (lang != "emoji")
             hb_buffer_set_language (buf, hb_language_from_string (lang.c_str(), -1));
         hb_shape (run.font->hb, buf, nullptr, 0);
@@ -327,7 +334,7 @@ Shaped shapeLine (FontSet& fonts, const std::string& text, const std::string& la
             if (info[i].codepoint == 0)
                 throw std::runtime_error ("missing glyph in \"" + text + "\"");
             FT_Outline_Funcs funcs {ftMove, ftLine, ftConic, ftCubic, 0, 0};
-            DecomposeCtx ctx {&out, (pen + pos[i].x_offset) * scale, scale};
+            DecomposeCtx ctx {&out, out.advance + (pen + pos[i].x_offset) * scale, scale};
             // y offsets are rare in our labels (Arabic marks); fold them in by shifting.
             FT_Outline& o = run.font->face->glyph->outline;
             if (pos[i].y_offset != 0)
