@@ -145,6 +145,17 @@ juce::Typeface::Ptr TRQLookAndFeel::getTypefaceForFont (const juce::Font& font)
     return LookAndFeel_V4::getTypefaceForFont (font);
 }
 
+juce::Font TRQLookAndFeel::getLabelFont (juce::Label& label)
+{
+    return textFont (label.getFont().getHeight());
+}
+
+juce::Font TRQLookAndFeel::getTextButtonFont (juce::TextButton& button, int buttonHeight)
+{
+    juce::ignoreUnused (button);
+    return textFont (juce::jmin (16.0f, static_cast<float> (buttonHeight) * 0.6f));
+}
+
 juce::Font TRQLookAndFeel::getPopupMenuFont()
 {
     return textFont (17.0f);

@@ -40,6 +40,9 @@ public:
 
     juce::Typeface::Ptr getTypefaceForFont (const juce::Font& font) override;
 
+    juce::Font getLabelFont (juce::Label& label) override;
+    juce::Font getTextButtonFont (juce::TextButton& button, int buttonHeight) override;
+
     juce::Font getPopupMenuFont() override;
     void drawPopupMenuBackground (juce::Graphics& g, int width, int height) override;
     void drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator,

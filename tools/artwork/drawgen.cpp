@@ -630,7 +630,7 @@ struct Generator
             else
                 for (double v = lo; v <= hi + 1e-6; v += (double) c["minor"])
                     minors.push_back (v);
-            const TextStyle numStyle {8.0, false, horizontal ? Align::centre : Align::left};
+            const TextStyle numStyle {8.5, false, horizontal ? Align::centre : Align::left};
             if (! horizontal)
             {
                 const double cx = w * 0.5 - 7.0;
@@ -663,7 +663,7 @@ struct Generator
                     p.rect (x - 0.5, cy - 6, 1, 12);
                     const double left = m[1], right = m[2];
                     p.append (placeText (fonts, {markText (m[0])}, "en", left - 8, cy + 8, right - left + 16, 10,
-                                         TextStyle {8.0, false, Align::centre}));
+                                         TextStyle {8.5, false, Align::centre}));
                 }
             }
             (void) h;
