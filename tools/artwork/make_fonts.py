@@ -18,6 +18,8 @@ from fontTools.ttLib import TTFont
 
 NOTO = "/usr/share/fonts/truetype/noto/"
 UPEM = 1000
+# Font timestamps stay fixed so that regenerating changes files only when the design does.
+FIXED_TIME = 3_840_000_000  # seconds since 1904, in 2025
 
 # Code points the editor asks for; editor/TRQSymbols.h names the same values.
 SYMBOLS = {
@@ -221,6 +223,8 @@ def build_symbols(path):
                        "copyright": "Icons drawn for Zolk Compressor; unit letters from Noto Sans (SIL OFL 1.1)"})
     fb.setupOS2(sTypoAscender=880, sTypoDescender=-120, usWinAscent=900, usWinDescent=150)
     fb.setupPost()
+    fb.font["head"].created = fb.font["head"].modified = FIXED_TIME
+    fb.font.recalcTimestamp = False
     fb.save(path)
 
 
@@ -233,6 +237,7 @@ def subset_font(src, dst, unicodes, options=None):
     for k, v in (options or {}).items():
         setattr(opts, k, v)
     font = subset.load_font(src, opts)
+    font.recalcTimestamp = False
     sub = subset.Subsetter(opts)
     sub.populate(unicodes=unicodes)
     sub.subset(font)
