@@ -172,6 +172,17 @@ TEST_F (TRQDrawingDocument, TextLiesInsideItsControl)
             EXPECT_TRUE (juce::Rectangle<float> (0, 0, b.getWidth(), b.getHeight()).contains (ink))
                 << id << " " << lang << " " << ink.toString();
         }
+    // Captions stay clear of their fader's ruler and numbers.
+    for (auto& [id, perLanguage] : doc()["param-labels"].items())
+    {
+        if (!doc()["tracks"].contains (id))
+            continue;
+        const auto ruler = readDrawingList (doc()["tracks"][id], "default").elements.front().path.getBounds();
+        for (auto& [lang, list] : perLanguage.items())
+            EXPECT_FALSE (
+                readDrawingList (list, "default").elements.front().path.getBounds().intersects (ruler))
+                << id << " " << lang;
+    }
     for (auto& [id, values] : doc()["param-string-translations"].items())
         for (auto& [value, perLanguage] : values.items())
             for (auto& [lang, list] : perLanguage.items())

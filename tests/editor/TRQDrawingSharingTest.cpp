@@ -91,3 +91,22 @@ TEST (TRQDrawingSharing, AsemicAndUnknownLanguagesDrawAsEnglish)
     }
     EXPECT_NE (pathText (drawing.clumpLabelList (Arabic, 0)), pathText (drawing.clumpLabelList (English, 0)));
 }
+
+TEST (TRQDrawingSharing, ReadingEveryListOfALanguageIsQuick)
+{
+    auto drawing = TRQDrawing::get();
+    const auto start = std::chrono::steady_clock::now();
+    size_t elements = drawing.bgList (1).elements.size() + drawing.clumpLabelList (Korean, 1).elements.size();
+    for (int p = 0; p < 21; ++p)
+    {
+        elements +=
+            drawing.trackList (p, 1).elements.size() + drawing.paramLabelList (p, Korean, 1).elements.size();
+        for (int v = 0; v < 3; ++v)
+            elements += drawing.paramStringList (p, v, Korean, 1).elements.size();
+    }
+    const auto ms =
+        std::chrono::duration<double, std::milli> (std::chrono::steady_clock::now() - start).count();
+    std::printf ("reading every list of one language and style: %zu elements in %.1f ms\n", elements, ms);
+    EXPECT_GT (elements, 50u);
+    EXPECT_LT (ms, 500.0);
+}
