@@ -14,7 +14,6 @@ juce_add_binary_data(ZolkResources
 set_target_properties(ZolkResources PROPERTIES POSITION_INDEPENDENT_CODE ON)
 
 # JUCE's rule depends only on its list of names; repack when a file changes.
-list(LENGTH ZOLK_RESOURCE_FILES zolk_resource_count)
 add_custom_command(
   OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/juce_binarydata_ZolkResources/JuceLibraryCode/BinaryData1.cpp"
   APPEND DEPENDS ${ZOLK_RESOURCE_FILES})
