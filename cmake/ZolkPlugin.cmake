@@ -58,6 +58,7 @@ target_link_libraries(ZolkCompressor
     juce::juce_opengl
   PUBLIC
     zolk_toolkit_isa
+    nlohmann_json::nlohmann_json
     juce::juce_recommended_config_flags)
 
 target_link_options(ZolkCompressor PUBLIC -Wl,--exclude-libs,ALL)

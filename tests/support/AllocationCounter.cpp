@@ -50,28 +50,87 @@ AllocationCounter::AllocationCounter()
     counting = true;
 }
 
-AllocationCounter::~AllocationCounter() { counting = false; }
+AllocationCounter::~AllocationCounter()
+{
+    counting = false;
+}
 
-std::size_t AllocationCounter::allocations() const { return allocationCount; }
-std::size_t AllocationCounter::deallocations() const { return deallocationCount; }
+std::size_t AllocationCounter::allocations() const
+{
+    return allocationCount;
+}
+std::size_t AllocationCounter::deallocations() const
+{
+    return deallocationCount;
+}
 
-void* operator new (std::size_t size) { return allocate (size); }
-void* operator new[] (std::size_t size) { return allocate (size); }
-void* operator new (std::size_t size, std::align_val_t a) { return allocate (size, static_cast<std::size_t> (a)); }
-void* operator new[] (std::size_t size, std::align_val_t a) { return allocate (size, static_cast<std::size_t> (a)); }
+void* operator new (std::size_t size)
+{
+    return allocate (size);
+}
+void* operator new[] (std::size_t size)
+{
+    return allocate (size);
+}
+void* operator new (std::size_t size, std::align_val_t a)
+{
+    return allocate (size, static_cast<std::size_t> (a));
+}
+void* operator new[] (std::size_t size, std::align_val_t a)
+{
+    return allocate (size, static_cast<std::size_t> (a));
+}
 void* operator new (std::size_t size, const std::nothrow_t&) noexcept
 {
-    try { return allocate (size); } catch (...) { return nullptr; }
+    try
+    {
+        return allocate (size);
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
 }
 void* operator new[] (std::size_t size, const std::nothrow_t&) noexcept
 {
-    try { return allocate (size); } catch (...) { return nullptr; }
+    try
+    {
+        return allocate (size);
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
 }
-void operator delete (void* p) noexcept { release (p); }
-void operator delete[] (void* p) noexcept { release (p); }
-void operator delete (void* p, std::size_t) noexcept { release (p); }
-void operator delete[] (void* p, std::size_t) noexcept { release (p); }
-void operator delete (void* p, std::align_val_t) noexcept { release (p); }
-void operator delete[] (void* p, std::align_val_t) noexcept { release (p); }
-void operator delete (void* p, std::size_t, std::align_val_t) noexcept { release (p); }
-void operator delete[] (void* p, std::size_t, std::align_val_t) noexcept { release (p); }
+void operator delete (void* p) noexcept
+{
+    release (p);
+}
+void operator delete[] (void* p) noexcept
+{
+    release (p);
+}
+void operator delete (void* p, std::size_t) noexcept
+{
+    release (p);
+}
+void operator delete[] (void* p, std::size_t) noexcept
+{
+    release (p);
+}
+void operator delete (void* p, std::align_val_t) noexcept
+{
+    release (p);
+}
+void operator delete[] (void* p, std::align_val_t) noexcept
+{
+    release (p);
+}
+void operator delete (void* p, std::size_t, std::align_val_t) noexcept
+{
+    release (p);
+}
+void operator delete[] (void* p, std::size_t, std::align_val_t) noexcept
+{
+    release (p);
+}

@@ -1,0 +1,79 @@
+#include "app/RenderOptions.h"
+
+namespace
+{
+juce::String takeValue (const juce::StringArray& args, int& i, const juce::String& option)
+{
+    if (i + 1 >= args.size())
+        throw RenderUsageError (option + " needs a value");
+    return args[++i];
+}
+
+int parsePositiveInt (const juce::String& text, const juce::String& option, int low, int high)
+{
+    if (!text.containsOnly ("0123456789") || text.isEmpty())
+        throw RenderUsageError (option + " expects a whole number, got \"" + text + "\"");
+    const auto value = text.getLargeIntValue();
+    if (value < low || value > high)
+        throw RenderUsageError (option + " must lie between " + juce::String (low) + " and " +
+                                juce::String (high) + ", got " + text);
+    return static_cast<int> (value);
+}
+} // namespace
+
+RenderOptions RenderOptions::parse (const juce::StringArray& args)
+{
+    RenderOptions options;
+    juce::StringArray files;
+
+    for (int i = 0; i < args.size(); ++i)
+    {
+        const auto& arg = args[i];
+
+        if (arg == "--set")
+        {
+            const auto assignment = takeValue (args, i, arg);
+            if (!assignment.contains ("="))
+                throw RenderUsageError ("--set expects NAME=VALUE, got \"" + assignment + "\"");
+            options.settings.emplace_back (assignment.upToFirstOccurrenceOf ("=", false, false).trim(),
+                                           assignment.fromFirstOccurrenceOf ("=", false, false).trim());
+        }
+        else if (arg == "--hq")
+            options.settings.emplace_back ("HQMode", "1");
+        else if (arg == "--block")
+            options.blockSize = parsePositiveInt (takeValue (args, i, arg), arg, 1, 65536);
+        else if (arg == "--random-blocks")
+            options.randomBlocks = true;
+        else if (arg == "--rate")
+            options.demoRate = parsePositiveInt (takeValue (args, i, arg), arg, 8000, 768000);
+        else if (arg == "--sidechain")
+            options.sidechain =
+                juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, arg));
+        else if (arg == "--bypass")
+            options.bypass = true;
+        else if (arg == "--json")
+            options.json = true;
+        else if (arg.startsWith ("--"))
+            throw RenderUsageError ("unknown option " + arg);
+        else
+            files.add (arg);
+    }
+
+    if (files.isEmpty())
+        throw RenderUsageError ("no output file given");
+    if (files.size() > 2)
+        throw RenderUsageError ("too many files: " + files.joinIntoString (" "));
+
+    const auto cwd = juce::File::getCurrentWorkingDirectory();
+    options.output = cwd.getChildFile (files[files.size() - 1]);
+    if (files.size() == 2)
+        options.input = cwd.getChildFile (files[0]);
+
+    return options;
+}
+
+juce::String RenderOptions::usage()
+{
+    return "usage: zolk-render [--set NAME=VALUE]... [--hq] [--block N] [--random-blocks] [--rate HZ]\n"
+           "                   [--sidechain FILE.wav] [--bypass] [--json] [INPUT.wav] OUTPUT.wav";
+}

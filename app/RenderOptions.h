@@ -1,0 +1,34 @@
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+// A mistake in how zolk-render was called: reported in one line, exit code 2.
+class RenderUsageError : public std::runtime_error
+{
+public:
+    explicit RenderUsageError (const juce::String& message)
+        : std::runtime_error (message.toStdString())
+    {
+    }
+};
+
+// The command line of zolk-render, parsed.
+struct RenderOptions
+{
+    juce::File input; // none: render the built-in demo
+    juce::File output;
+    juce::File sidechain;                                        // none: the sidechain bus carries silence
+    std::vector<std::pair<juce::String, juce::String>> settings; // parameter, value in real units
+    int blockSize = 512;
+    bool randomBlocks = false;
+    double demoRate = 48000.0;
+    bool bypass = false;
+    bool json = false;
+
+    static RenderOptions parse (const juce::StringArray& arguments);
+    static juce::String usage();
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/RenderOptions.h"
+#include "app/RenderReport.h"
+
+#include <juce_audio_formats/juce_audio_formats.h>
+#include <juce_audio_processors/juce_audio_processors.h>
+
+// One render: builds the plug-in's processor as a host does, applies the
+// settings, runs every block through processBlock and writes the result.
+class RenderSession
+{
+public:
+    explicit RenderSession (RenderOptions options);
+
+    // Throws RenderUsageError for mistakes of the caller; leaves no output file
+    // behind when anything fails.
+    RenderReport run();
+
+    // The parameter named by its identifier ("CompressionAmount") or host index.
+    static juce::AudioProcessorParameter* findParameter (juce::AudioProcessor& processor,
+                                                         const juce::String& name);
+
+    // Sets a parameter from a value in its real units, refusing values outside its range.
+    static void applySetting (juce::AudioProcessor& processor, const juce::String& name,
+                              const juce::String& value);
+
+private:
+    struct Audio
+    {
+        juce::AudioBuffer<float> buffer;
+        double sampleRate = 0.0;
+    };
+
+    static Audio readWav (const juce::File& file, const juce::String& role);
+    static void writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, double sampleRate);
+
+    RenderOptions options;
+};

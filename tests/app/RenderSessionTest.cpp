@@ -1,0 +1,160 @@
+#include "app/RenderSession.h"
+#include "app/DemoSignal.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+struct TempFolder
+{
+    juce::TemporaryFile holder{"zolk-render-test"};
+    juce::File dir = holder.getFile();
+    TempFolder() { dir.createDirectory(); }
+    ~TempFolder() { dir.deleteRecursively(); }
+    juce::File operator/ (const char* name) const { return dir.getChildFile (name); }
+};
+
+juce::AudioBuffer<float> readWav (const juce::File& file, double* rate = nullptr, int* bits = nullptr)
+{
+    juce::WavAudioFormat wav;
+    std::unique_ptr<juce::AudioFormatReader> reader (
+        wav.createReaderFor (file.createInputStream().release(), true));
+    if (reader == nullptr)
+        return {};
+    juce::AudioBuffer<float> b (static_cast<int> (reader->numChannels),
+                                static_cast<int> (reader->lengthInSamples));
+    reader->read (&b, 0, b.getNumSamples(), 0, true, true);
+    if (rate != nullptr)
+        *rate = reader->sampleRate;
+    if (bits != nullptr)
+        *bits = static_cast<int> (reader->bitsPerSample);
+    return b;
+}
+
+void writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, double rate)
+{
+    juce::WavAudioFormat wav;
+    auto stream = file.createOutputStream();
+    std::unique_ptr<juce::AudioFormatWriter> writer (wav.createWriterFor (
+        stream.release(), rate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
+    writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
+}
+
+RenderReport render (juce::StringArray args)
+{
+    return RenderSession (RenderOptions::parse (args)).run();
+}
+} // namespace
+
+TEST (RenderSession, RendersTheDemoWithItsLatencyTailAsFloatWav)
+{
+    TempFolder tmp;
+    const auto out = tmp / "demo.wav";
+    const auto report = render ({"--rate", "44100", out.getFullPathName()});
+
+    double rate = 0.0;
+    int bits = 0;
+    const auto audio = readWav (out, &rate, &bits);
+    EXPECT_EQ (rate, 44100.0);
+    EXPECT_EQ (bits, 32);
+    EXPECT_EQ (audio.getNumChannels(), 2);
+    EXPECT_EQ (audio.getNumSamples(), DemoSignal::make (44100.0).getNumSamples() + report.latencySamples);
+    EXPECT_GT (report.latencySamples, 0);
+    EXPECT_EQ (report.sampleRate, 44100.0);
+    EXPECT_EQ (report.blockSize, 512);
+    EXPECT_GT (report.outputPeakDb, -20.0);
+    EXPECT_LE (report.inputPeakDb, 0.0);
+
+    const auto json = juce::JSON::parse (report.toJson());
+    for (auto key : {"latency_samples", "sample_rate", "block_size", "input_peak_dbfs", "input_rms_dbfs",
+                     "output_peak_dbfs", "output_rms_dbfs", "max_gain_reduction_db", "realtime_factor"})
+        EXPECT_TRUE (json.hasProperty (key)) << key;
+}
+
+TEST (RenderSession, OutputDoesNotDependOnHowTheHostCutsBlocks)
+{
+    TempFolder tmp;
+    render ({"--set", "CompressionAmount=80", "--block", "512", (tmp / "a.wav").getFullPathName()});
+    render ({"--set", "2=80", "--block", "512", "--random-blocks", (tmp / "b.wav").getFullPathName()});
+    const auto a = readWav (tmp / "a.wav");
+    const auto b = readWav (tmp / "b.wav");
+    ASSERT_EQ (a.getNumSamples(), b.getNumSamples());
+    for (int c = 0; c < a.getNumChannels(); ++c)
+        for (int i = 0; i < a.getNumSamples(); ++i)
+            ASSERT_NEAR (a.getSample (c, i), b.getSample (c, i), 1.0e-6f)
+                << "channel " << c << " sample " << i;
+}
+
+TEST (RenderSession, ProcessesAFileWithASidechainAtItsOwnRate)
+{
+    TempFolder tmp;
+    juce::AudioBuffer<float> mono (1, 9600);
+    for (int i = 0; i < mono.getNumSamples(); ++i)
+        mono.setSample (0, i, 0.1f * std::sin (0.05f * static_cast<float> (i)));
+    writeWav (tmp / "in.wav", mono, 96000.0);
+    writeWav (tmp / "side.wav", mono, 96000.0);
+
+    const auto report = render ({"--sidechain", (tmp / "side.wav").getFullPathName(),
+                                 (tmp / "in.wav").getFullPathName(), (tmp / "out.wav").getFullPathName()});
+    double rate = 0.0;
+    const auto out = readWav (tmp / "out.wav", &rate);
+    EXPECT_EQ (rate, 96000.0);
+    EXPECT_EQ (out.getNumChannels(), 1);
+    EXPECT_EQ (out.getNumSamples(), 9600 + report.latencySamples);
+}
+
+TEST (RenderSession, RefusesBadUseAndLeavesNoOutputBehind)
+{
+    TempFolder tmp;
+    const auto out = tmp / "out.wav";
+    (tmp / "text.wav").replaceWithText ("this is not audio");
+    juce::AudioBuffer<float> one (1, 100);
+    one.clear();
+    writeWav (tmp / "in48.wav", one, 48000.0);
+    writeWav (tmp / "in44.wav", one, 44100.0);
+
+    const juce::StringArray cases[] = {
+        {"--set", "NoSuchThing=1", out.getFullPathName()},
+        {"--set", "CompressionAmount=101", out.getFullPathName()},
+        {"--set", "InputGain=-30", out.getFullPathName()},
+        {"--set", "CompAttackTimeConstant=0", out.getFullPathName()},
+        {"--set", "CompressionAmount=loud", out.getFullPathName()},
+        {(tmp / "missing.wav").getFullPathName(), out.getFullPathName()},
+        {(tmp / "text.wav").getFullPathName(), out.getFullPathName()},
+        {"--sidechain", (tmp / "in44.wav").getFullPathName(), (tmp / "in48.wav").getFullPathName(),
+         out.getFullPathName()},
+        {"--block", "0", out.getFullPathName()},
+        {"--frobnicate", out.getFullPathName()},
+        {},
+    };
+    for (const auto& args : cases)
+    {
+        EXPECT_THROW (render (args), RenderUsageError) << args.joinIntoString (" ");
+        EXPECT_FALSE (out.exists()) << args.joinIntoString (" ");
+    }
+}
+
+TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
+{
+    TempFolder tmp;
+    const juce::String binary = juce::String (ZOLK_BINARY_DIR) + "/app/zolk-render";
+    juce::ChildProcess process;
+    ASSERT_TRUE (
+        process.start (juce::StringArray{binary, "--set", "Bogus=1", (tmp / "x.wav").getFullPathName()},
+                       juce::ChildProcess::wantStdErr));
+    const auto text = process.readAllProcessOutput();
+    process.waitForProcessToFinish (60000);
+    EXPECT_EQ (process.getExitCode(), 2u);
+    EXPECT_TRUE (text.trim().startsWith ("zolk-render: unknown parameter")) << text;
+    EXPECT_EQ (juce::StringArray::fromLines (text.trim()).size(), 1);
+    EXPECT_FALSE ((tmp / "x.wav").exists());
+
+    juce::ChildProcess json;
+    ASSERT_TRUE (
+        json.start (juce::StringArray{binary, "--json", "--rate", "44100", (tmp / "y.wav").getFullPathName()},
+                    juce::ChildProcess::wantStdOut));
+    const auto report = juce::JSON::parse (json.readAllProcessOutput());
+    json.waitForProcessToFinish (60000);
+    EXPECT_EQ (json.getExitCode(), 0u);
+    EXPECT_EQ (static_cast<int> (report["sample_rate"]), 44100);
+}
