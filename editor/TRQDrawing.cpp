@@ -170,7 +170,7 @@ TRQDrawingList readDrawingList (const json& document, const json::json_pointer& 
     return readDrawingList (document.at (fragment), key);
 }
 
-json* TRQDrawing::parseGzipped (const void* data, size_t size)
+std::unique_ptr<json> TRQDrawing::parseGzipped (const void* data, size_t size)
 {
     juce::MemoryBlock packed (data, size);
     juce::MemoryOutputStream text;
@@ -185,7 +185,7 @@ json* TRQDrawing::parseGzipped (const void* data, size_t size)
     try
     {
         const auto* begin = static_cast<const char*> (text.getData());
-        return new json (json::parse (begin, begin + text.getDataSize()));
+        return std::make_unique<json> (json::parse (begin, begin + text.getDataSize()));
     }
     catch (const json::exception&)
     {
@@ -199,7 +199,8 @@ const json* TRQDrawing::acquire()
     if (useCount == 0)
     {
         shared = parseGzipped (BinaryData::TQDrawing_json_gz,
-                               static_cast<size_t> (BinaryData::TQDrawing_json_gzSize));
+                               static_cast<size_t> (BinaryData::TQDrawing_json_gzSize))
+                     .release();
         ++parses;
     }
     ++useCount;

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <memory>
 #include <string>
 
 // A shared handle on the embedded drawing document. The document is unpacked
@@ -42,7 +43,7 @@ public:
     static bool isLoaded();
 
     // Unpacks and parses a gzipped document; null on any failure.
-    static nlohmann::json* parseGzipped (const void* data, size_t size);
+    static std::unique_ptr<nlohmann::json> parseGzipped (const void* data, size_t size);
 
 private:
     explicit TRQDrawing (const nlohmann::json* document);
