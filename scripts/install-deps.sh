@@ -9,6 +9,8 @@ packages=(
   libxsimd-dev libfftw3-dev nlohmann-json3-dev libsoxr-dev
   xvfb xauth mesa-utils imagemagick sox
   clang libclang-rt-14-dev
+  libharfbuzz-dev libfreetype-dev python3-fonttools
+  fonts-noto-core fonts-noto-cjk fonts-symbola
 )
 
 missing=()
