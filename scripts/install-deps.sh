@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, tests and tools need, only those missing.
+# Installs the Debian packages the build and tests need, only those missing.
+#   bash scripts/install-deps.sh            build, tests, benchmarks, fuzzing
+#   bash scripts/install-deps.sh artwork    also what regenerating the artwork needs
 set -euo pipefail
 
 packages=(
@@ -9,9 +11,11 @@ packages=(
   libxsimd-dev libfftw3-dev nlohmann-json3-dev libsoxr-dev
   xvfb xauth mesa-utils imagemagick sox
   clang libclang-rt-14-dev
-  libharfbuzz-dev libfreetype-dev python3-fonttools
-  fonts-noto-core fonts-noto-cjk fonts-symbola
 )
+
+if [ "${1:-}" = "artwork" ]; then
+  packages+=(libharfbuzz-dev libfreetype-dev python3-fonttools fonts-noto-core fonts-noto-cjk fonts-symbola)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Regenerates the embedded artwork: the drawing, its tile images and the fonts.
-# Needs the artwork packages of scripts/install-deps.sh; the normal build never
-# runs this, it embeds the committed results.
+# The normal build never runs this: it embeds the committed results.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+bash "$root/scripts/install-deps.sh" artwork
 src="$root/tools/artwork"
 out="$root/resources"
 work="$(mktemp -d)"
