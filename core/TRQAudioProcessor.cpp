@@ -3,6 +3,7 @@
 #include "core/HVNPublicDSP.h"
 #include "core/TRQMeterParameter.h"
 #include "dsp/HVNAbstractDSP.h"
+#include "editor/TRQAudioProcessorEditor.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -344,7 +345,7 @@ void TRQAudioProcessor::reset()
 
 juce::AudioProcessorEditor* TRQAudioProcessor::createEditor()
 {
-    return new juce::GenericAudioProcessorEditor (*this);
+    return new TRQAudioProcessorEditor (*this);
 }
 bool TRQAudioProcessor::hasEditor() const
 {

@@ -1,0 +1,462 @@
+#include "editor/TRQAudioProcessorEditor.h"
+
+#include "core/TRQAudioProcessor.h"
+#include "editor/TRQControl.h"
+#include "editor/TRQEditorGLState.h"
+#include "editor/TRQEditorSize.h"
+#include "editor/TRQHUDControl.h"
+#include "editor/TRQIndexedControl.h"
+#include "editor/TRQKeyboardFocusTraverser.h"
+#include "editor/TRQParameterGestures.h"
+#include "editor/TRQSlider.h"
+#include "editor/TRQToggle.h"
+#include "editor/TRQValueLaw.h"
+#include "state/ParameterCatalogue.h"
+#include "state/ParameterRange.h"
+#include "state/TRQAudioParameter.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace
+{
+// If the context has not rendered a single frame by then, the platform has no
+// usable OpenGL and the panel paints itself.
+constexpr double glGiveUpMs = 3000.0;
+
+std::shared_ptr<TRQControl> makeControl (int index, TRQAudioParameter& parameter,
+                                         TRQParameterGestures& gestures)
+{
+    const auto& row = ParameterCatalogue::row (static_cast<ParameterId> (index));
+    switch (row.toggleKind)
+    {
+    case 0:
+        return std::make_shared<TRQSlider> (index, parameter, gestures);
+    case 1:
+    case 2:
+    case 3:
+        return std::make_shared<TRQIndexedControl> (index, parameter, gestures);
+    case 7:
+    case 8:
+        return std::make_shared<TRQToggle> (index, parameter, gestures);
+    default:
+        return nullptr;
+    }
+}
+} // namespace
+
+TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
+                                                  std::shared_ptr<TRQPreferenceSource> source)
+    : juce::AudioProcessorEditor (p)
+    , processor (p)
+    , prefs (source != nullptr ? source : TRQEditorPreferences::sharedSource())
+    , lookAndFeel (prefs.fontSource == 1)
+    , gl (std::make_unique<TRQEditorGLState> (openGLContext))
+    , drawing (TRQDrawing::get())
+    , gestures (std::make_unique<TRQParameterGestures> (p))
+{
+    setLookAndFeel (&lookAndFeel);
+    juce::LookAndFeel::setDefaultLookAndFeel (&lookAndFeel);
+    lookAndFeel.setStyle (prefs.darkMode);
+
+    addAndMakeVisible (root);
+    root.addAndMakeVisible (layout);
+    layout.setBounds (0, 0, TRQEditorSize::canvasWidth, TRQEditorSize::canvasHeight);
+    root.addChildComponent (advancedPane);
+    root.addAndMakeVisible (mainPane);
+    root.addAndMakeVisible (centrePane);
+    advancedPane.setBounds (457, 0, 336, 380);
+    mainPane.setBounds (0, 0, 395, 350);
+    centrePane.setBounds (395, 0, 62, 380);
+
+    processor.dspAnnounced.connect (&TRQAudioProcessorEditor::publishMeterSource, this);
+    createChildren();
+
+    gl->darkMode.publish (prefs.darkMode);
+    gl->metering.publish (prefs.metering);
+    layout.setStyle (prefs.darkMode);
+    layout.setLanguage (TRQLanguage::drawingLanguage (prefs.language));
+    for (auto& control : controls)
+        if (control != nullptr)
+            control->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language), prefs.darkMode);
+    hud->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language), prefs.darkMode);
+
+    const bool open =
+        prefs.alwaysOpenAdvPane ||
+        processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "1" ||
+        processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "true";
+    setAdvancedPaneOpen (open, true);
+
+    for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)
+    {
+        editorValues[(size_t)i] = std::numeric_limits<float>::quiet_NaN();
+        parameterChanged (i, processor.getAudioParameter (i).getRealValue(), false);
+    }
+
+    const auto locks = processor.getPluginState().getLockStates();
+    for (size_t i = 0; i < locks.size(); ++i)
+        if (controls[i] != nullptr)
+            controls[i]->setLocked (locks[i]);
+
+    setWantsKeyboardFocus (!prefs.doubleClickKeyEntry);
+    setFocusContainerType (FocusContainerType::keyboardFocusContainer);
+    setResizable (true, true);
+    setConstrainer (this);
+    setScaleFactor (1.0f);
+    publishMeterSource();
+
+    juce::Desktop::getInstance().addFocusChangeListener (this);
+
+    juce::OpenGLPixelFormat format;
+    format.multisamplingLevel = 8;
+    openGLContext.setPixelFormat (format);
+    openGLContext.setMultisamplingEnabled (true);
+    openGLContext.setOpenGLVersionRequired (juce::OpenGLContext::openGL3_2);
+    openGLContext.setRenderer (this);
+    openGLContext.setContinuousRepainting (true);
+    openGLContext.setComponentPaintingEnabled (true);
+    openGLContext.attachTo (*this);
+    glAttached = true;
+    glAttachTime = juce::Time::getMillisecondCounterHiRes();
+
+    startTimer (16);
+}
+
+TRQAudioProcessorEditor::~TRQAudioProcessorEditor()
+{
+    juce::Desktop::getInstance().removeFocusChangeListener (this);
+    stopTimer();
+    openGLContext.detach();
+    setLookAndFeel (nullptr);
+    if (&juce::LookAndFeel::getDefaultLookAndFeel() == &lookAndFeel)
+        juce::LookAndFeel::setDefaultLookAndFeel (nullptr);
+    for (auto& control : controls)
+        if (control != nullptr)
+            control->setLookAndFeel (nullptr);
+}
+
+void TRQAudioProcessorEditor::createChildren()
+{
+    controls.resize ((size_t)TRQAudioProcessor::numParameters);
+    TRQMetaComponent* panes[] = {&mainPane, &centrePane, &advancedPane};
+    for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)
+    {
+        auto control = makeControl (i, processor.getAudioParameter (i), *gestures);
+        if (control == nullptr)
+            continue;
+        const auto& row = control->getRow();
+        auto* pane = panes[std::min<uint32_t> (row.pane, 2)];
+        control->setBounds (
+            juce::Rectangle<float> (row.frame.x, row.frame.y, row.frame.width, row.frame.height)
+                .translated (-(float)pane->getX(), -(float)pane->getY())
+                .toNearestInt());
+        control->setScrollEnabled (prefs.scrolling);
+        control->setDoubleClickKeyEntry (prefs.doubleClickKeyEntry);
+        pane->addChild (control, true);
+        controls[(size_t)i] = control;
+    }
+    hud = std::make_shared<TRQHUDControl> (*gestures);
+    root.addAndMakeVisible (*hud);
+}
+
+TRQControl* TRQAudioProcessorEditor::getControl (int index) const
+{
+    return index >= 0 && (size_t)index < controls.size() ? controls[(size_t)index].get() : nullptr;
+}
+
+int TRQAudioProcessorEditor::getMinimumWidth() const
+{
+    return processor.wrapperType == juce::AudioProcessor::wrapperType_AAX ? 453 : 100;
+}
+
+int TRQAudioProcessorEditor::getGLStatus() const
+{
+    return gl->status.load();
+}
+
+int TRQAudioProcessorEditor::getFramesRendered() const
+{
+    return gl->frames.load();
+}
+
+double TRQAudioProcessorEditor::getLastFrameMs() const
+{
+    return gl->lastFrameMs.load();
+}
+
+void TRQAudioProcessorEditor::applySize (float scale)
+{
+    const auto size = TRQEditorSize::compute (scale, advancedPaneOpen, hostScaleFactor, getMinimumWidth());
+    uiScaleFactor.store (size.uiScaleFactor);
+    gl->canvasScale.store (size.uiScaleFactor * hostScaleFactor);
+    targetSize = {0, 0, size.width, size.height};
+    setSize (size.width, size.height);
+    resized();
+}
+
+void TRQAudioProcessorEditor::setScaleFactor (float newScale)
+{
+    if (newScale != hostScaleFactor)
+        hostScaleFactor = newScale;
+    applySize ((float)prefs.uiScale * 0.01f);
+}
+
+void TRQAudioProcessorEditor::setUserScale (int percent)
+{
+    prefs.setUIScale (percent);
+    applySize ((float)percent * 0.01f);
+}
+
+void TRQAudioProcessorEditor::applyBoundsToComponent (juce::Component&, juce::Rectangle<int> bounds)
+{
+    const int percent = TRQEditorSize::percentForWidth (bounds.getWidth(), advancedPaneOpen, hostScaleFactor);
+    prefs.setUIScale (percent);
+    applySize ((float)percent * 0.01f);
+}
+
+void TRQAudioProcessorEditor::resized()
+{
+    if (!targetSize.isEmpty() && getLocalBounds() != targetSize)
+    {
+        setSize (targetSize.getWidth(), targetSize.getHeight());
+        return;
+    }
+    root.setTransform (juce::AffineTransform::scale (uiScaleFactor.load() * hostScaleFactor));
+    backgroundDirty = true;
+}
+
+void TRQAudioProcessorEditor::paint (juce::Graphics& g)
+{
+    // Behind the layout only while nothing else paints, such as between the first
+    // frame and the first paint of the layout.
+    if (gl->status.load() != glGood)
+        g.fillAll (juce::Colour (0xff333333));
+}
+
+int TRQAudioProcessorEditor::getControlParameterIndex (juce::Component& component)
+{
+    // With Alt held the press belongs to the control's reset, not the host.
+    if (TRQValueLaw::modifiersAre (juce::ModifierKeys::getCurrentModifiers(),
+                                   juce::ModifierKeys::altModifier))
+        return -1;
+    for (auto* c = &component; c != nullptr && c != this; c = c->getParentComponent())
+        if (auto* control = dynamic_cast<TRQControl*> (c))
+            return control->getParameterIndex();
+    return -1;
+}
+
+std::unique_ptr<juce::ComponentTraverser> TRQAudioProcessorEditor::createKeyboardFocusTraverser()
+{
+    return std::make_unique<TRQKeyboardFocusTraverser> (controls, [this] { return advancedPaneOpen; });
+}
+
+void TRQAudioProcessorEditor::setAdvancedPaneOpen (bool open, bool force)
+{
+    if (!force && open == advancedPaneOpen)
+        return;
+    advancedPaneOpen = open;
+    gl->advancedOpen.publish (open);
+    if (!open)
+    {
+        root.setBounds (0, 0, TRQEditorSize::closedWidth, TRQEditorSize::canvasHeight);
+        advancedPane.setVisible (false);
+        processor.getPluginState().setAdvancedPaneIsOpen (false);
+        if (auto* focused = juce::Component::getCurrentlyFocusedComponent())
+            if (advancedPane.isParentOf (focused))
+                focused->giveAwayKeyboardFocus();
+    }
+    else
+    {
+        for (auto& control : controls)
+            if (control != nullptr && control->getRow().pane == 2)
+                control->refresh (true);
+        advancedPane.setVisible (true);
+        root.setBounds (0, 0, TRQEditorSize::canvasWidth, TRQEditorSize::canvasHeight);
+        processor.getPluginState().setAdvancedPaneIsOpen (true);
+    }
+    applySize ((float)prefs.uiScale * 0.01f);
+}
+
+void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool)
+{
+    if (index < 0 || index >= TRQAudioProcessor::numParameters)
+        throw std::out_of_range ("parameter index");
+    auto* control = getControl (index);
+    if (control != nullptr)
+        control->setNormalisedFromParameter (toNormalised (static_cast<ParameterId> (index), value));
+
+    const float previous = editorValues[(size_t)index];
+    editorValues[(size_t)index] = value;
+    const bool changed = !(previous == value);
+
+    if (index == TRQHUDControl::parameterIndex && hud != nullptr)
+        hud->parameterChanged (value);
+
+    if (changed)
+        updateEnablement (index);
+}
+
+void TRQAudioProcessorEditor::updateEnablement (int sourceIndex)
+{
+    const auto& row = ParameterCatalogue::row (static_cast<ParameterId> (sourceIndex));
+    if (row.enableMap.empty())
+        return;
+    const auto found = row.enableMap.find (editorValues[(size_t)sourceIndex]);
+    for (auto dependant : row.enableList)
+    {
+        const bool enabled =
+            found != row.enableMap.end() &&
+            std::find (found->second.begin(), found->second.end(), dependant) != found->second.end();
+        if (auto* control = getControl ((int)dependant))
+            control->setDependencyDisabled (sourceIndex, !enabled);
+    }
+}
+
+void TRQAudioProcessorEditor::setDarkMode (int mode)
+{
+    prefs.setDarkMode (mode);
+    gl->darkMode.publish (mode);
+    layout.setStyle (mode);
+    lookAndFeel.setStyle (mode);
+    sendLookAndFeelChange();
+    const auto language = TRQLanguage::drawingLanguage (prefs.language);
+    for (auto& control : controls)
+        if (control != nullptr)
+            control->setLanguageAndStyle (language, mode);
+    hud->setLanguageAndStyle (language, mode);
+    backgroundDirty = true;
+}
+
+void TRQAudioProcessorEditor::setLanguage (TRQLanguage::Language language)
+{
+    prefs.setLanguage (language);
+    const auto shown = TRQLanguage::drawingLanguage (language);
+    layout.setLanguage (shown);
+    hud->setLanguageAndStyle (shown, prefs.darkMode);
+    for (auto& control : controls)
+        if (control != nullptr)
+            control->setLanguageAndStyle (shown, prefs.darkMode);
+    backgroundDirty = true;
+}
+
+void TRQAudioProcessorEditor::setMetering (int metering)
+{
+    prefs.setMetering (metering);
+    gl->metering.publish (metering);
+}
+
+void TRQAudioProcessorEditor::publishMeterSource()
+{
+    const auto& info = processor.getDSPInfo();
+    TRQEditorGLState::MeterSource source;
+    source.messaging = info.meterMessaging;
+    source.sampleRate = info.sampleRate;
+    source.blockSize = info.blockSize;
+    source.numInputs = info.numInputs;
+    source.numOutputs = info.numOutputs;
+    gl->publishMeterSource (std::move (source));
+}
+
+void TRQAudioProcessorEditor::globalFocusChanged (juce::Component*)
+{
+    publishFocusRing();
+}
+
+void TRQAudioProcessorEditor::publishFocusRing()
+{
+    auto* focused = juce::Component::getCurrentlyFocusedComponent();
+    TRQControl* control = nullptr;
+    for (auto* c = focused; c != nullptr && control == nullptr; c = c->getParentComponent())
+        if (isParentOf (c))
+            control = dynamic_cast<TRQControl*> (c);
+    if (control == nullptr || !control->isShowing())
+    {
+        gl->focusParameter.publish (-1);
+        return;
+    }
+    control->updateFocusRing();
+    const auto ring = control->getRing();
+    const auto colour = juce::Colour::fromFloatRGBA (ring.colour[0], ring.colour[1], ring.colour[2], 1.0f);
+    gl->ring.setRing (root.getLocalArea (control, ring.bounds), ring.radius,
+                      colour.withAlpha (ring.colour[3] / 0.65f));
+    gl->focusParameter.publish (control->getParameterIndex());
+}
+
+void TRQAudioProcessorEditor::timerCallback()
+{
+    const double start = juce::Time::getMillisecondCounterHiRes();
+    processor.drainMessageQueues();
+
+    for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)
+    {
+        const float value = processor.getAudioParameter (i).getRealValue();
+        if (!(value == editorValues[(size_t)i]))
+            parameterChanged (i, value, true);
+    }
+
+    mainPane.refresh (false);
+    centrePane.refresh (false);
+    advancedPane.refresh (false);
+    root.refresh (false);
+    hud->refresh (false);
+
+    if (auto* focused = juce::Component::getCurrentlyFocusedComponent())
+        if (auto* control = dynamic_cast<TRQControl*> (focused); control != nullptr && isParentOf (control))
+            publishFocusRing();
+
+    const int status = gl->status.load();
+    if (glAttached && (status == glFailed || (status == glUnknown && start - glAttachTime > glGiveUpMs)))
+    {
+        openGLContext.detach();
+        glAttached = false;
+        gl->status.store (glFailed);
+        layout.setVisible (true);
+        repaint();
+    }
+    else if (status == glGood && layout.isVisible())
+        layout.setVisible (false);
+
+    if (glAttached)
+        renderBackgroundIfNeeded();
+    lastTimerMs = juce::Time::getMillisecondCounterHiRes() - start;
+}
+
+void TRQAudioProcessorEditor::renderBackgroundIfNeeded()
+{
+    const float renderScale = gl->renderScale.load();
+    const auto size = getLocalBounds();
+    if (!backgroundDirty && size == lastBackgroundSize && renderScale == lastBackgroundScale)
+        return;
+    backgroundDirty = false;
+    lastBackgroundSize = size;
+    lastBackgroundScale = renderScale;
+    const int w = juce::roundToInt ((float)size.getWidth() * renderScale);
+    const int h = juce::roundToInt ((float)size.getHeight() * renderScale);
+    if (w <= 0 || h <= 0)
+        return;
+    juce::Image image (juce::Image::ARGB, w, h, true, juce::SoftwareImageType());
+    {
+        juce::Graphics g (image);
+        g.addTransform (juce::AffineTransform::scale (uiScaleFactor.load() * hostScaleFactor * renderScale));
+        layout.paint (g);
+    }
+    gl->publishBackground (std::move (image));
+}
+
+void TRQAudioProcessorEditor::newOpenGLContextCreated()
+{
+    gl->contextCreated();
+}
+
+void TRQAudioProcessorEditor::renderOpenGL()
+{
+    const float scale = (float)openGLContext.getRenderingScale();
+    const auto viewport = juce::Rectangle<int> (juce::roundToInt ((float)getWidth() * scale),
+                                                juce::roundToInt ((float)getHeight() * scale));
+    gl->render (viewport, scale);
+}
+
+void TRQAudioProcessorEditor::openGLContextClosing()
+{
+    gl->contextClosing();
+}

@@ -1,0 +1,186 @@
+#include "editor/TRQEditorGLState.h"
+
+#include "meters/HVNZC1TRQSketch.h"
+#include "meters/MeterMessaging.h"
+#include "meters/TRQShapeRenderer.h"
+
+using namespace juce::gl;
+
+TRQEditorGLState::TRQEditorGLState (juce::OpenGLContext& c)
+    : context (c)
+{
+    focusParameter.value.store (-1);
+}
+
+TRQEditorGLState::~TRQEditorGLState() = default;
+
+void TRQEditorGLState::publishBackground (juce::Image image)
+{
+    std::lock_guard<std::mutex> lock (handoff);
+    pendingBackground = std::move (image);
+    backgroundPending = true;
+}
+
+void TRQEditorGLState::publishMeterSource (MeterSource source)
+{
+    std::lock_guard<std::mutex> lock (handoff);
+    pendingSource = std::move (source);
+    sourcePending = true;
+}
+
+void TRQEditorGLState::contextCreated()
+{
+    renderer = std::make_unique<TRQShapeRenderer> (context);
+    backgroundWidth = backgroundHeight = 0;
+    std::lock_guard<std::mutex> lock (handoff);
+    // A new context needs the background uploaded again; the message thread keeps
+    // the image, so ask it for another.
+    backgroundPending = pendingBackground.isValid();
+}
+
+void TRQEditorGLState::contextClosing()
+{
+    if (sketch != nullptr && currentSource.messaging != nullptr)
+        currentSource.messaging->clear();
+    sketch.reset();
+    currentSource = {};
+    background.release();
+    if (renderer != nullptr)
+        renderer->release();
+    renderer.reset();
+}
+
+bool TRQEditorGLState::checkContext()
+{
+    if (!context.isActive() || renderer == nullptr)
+        return false;
+    const auto* version = reinterpret_cast<const char*> (glGetString (GL_VERSION));
+    if (version == nullptr)
+        return false;
+    const auto number = juce::String (version).upToFirstOccurrenceOf (" ", false, false).getDoubleValue();
+    return number >= 3.2 - 1.0e-9;
+}
+
+void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
+{
+    const double start = juce::Time::getMillisecondCounterHiRes();
+    if (status.load() != 2 && !checkContext())
+    {
+        status.store (1);
+        return;
+    }
+    renderScale.store (scale);
+
+    glViewport (0, 0, viewport.getWidth(), viewport.getHeight());
+    juce::OpenGLHelpers::clear (juce::Colour (0xff333333));
+
+    {
+        std::lock_guard<std::mutex> lock (handoff);
+        if (backgroundPending && pendingBackground.isValid())
+        {
+            background.loadImage (pendingBackground);
+            backgroundWidth = pendingBackground.getWidth();
+            backgroundHeight = pendingBackground.getHeight();
+        }
+        backgroundPending = false;
+    }
+    glEnable (GL_BLEND);
+    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    if (backgroundWidth > 0)
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+
+    renderer->beginFrame (canvasScale.load(), viewport.getWidth(), viewport.getHeight(), scale);
+    const double now = start / 1000.0;
+    if (!modalShowing.load())
+        renderMeters (now);
+
+    glEnable (GL_BLEND);
+    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    renderFocusRing();
+
+    glBindBuffer (GL_ARRAY_BUFFER, 0);
+    glUseProgram (0);
+    for (GLenum error = glGetError(); error != GL_NO_ERROR; error = glGetError())
+    {
+        DBG ("error " << (int)error << ":");
+    }
+    if (renderer->hasFailed())
+    {
+        status.store (1);
+        return;
+    }
+    status.store (2);
+    frames.fetch_add (1);
+    lastFrameMs.store (juce::Time::getMillisecondCounterHiRes() - start);
+}
+
+void TRQEditorGLState::renderMeters (double now)
+{
+    {
+        std::lock_guard<std::mutex> lock (handoff);
+        if (sourcePending && !(pendingSource == currentSource))
+        {
+            if (currentSource.messaging != nullptr)
+                currentSource.messaging->clear();
+            sketch.reset();
+            currentSource = pendingSource;
+            if (currentSource.messaging != nullptr && currentSource.sampleRate > 0.0 &&
+                currentSource.blockSize > 0 && currentSource.numInputs > 0 && currentSource.numOutputs > 0)
+            {
+                currentSource.messaging->clear();
+                sketch =
+                    std::make_unique<HVNZC1TRQSketch> (*currentSource.messaging, currentSource.numInputs,
+                                                       currentSource.numOutputs, currentSource.blockSize);
+                sketch->setDarkMode (darkModeNow == 1);
+                sketch->setMetering (meteringNow);
+                sketch->setAdvancedPaneOpen (advancedNow);
+            }
+        }
+        sourcePending = false;
+    }
+
+    int intValue = 0;
+    bool boolValue = false;
+    if (darkMode.take (intValue))
+    {
+        darkModeNow = intValue;
+        if (sketch)
+            sketch->setDarkMode (intValue == 1);
+    }
+    if (metering.take (intValue))
+    {
+        meteringNow = intValue;
+        if (sketch)
+            sketch->setMetering (intValue);
+    }
+    if (advancedOpen.take (boolValue))
+    {
+        advancedNow = boolValue;
+        if (sketch)
+            sketch->setAdvancedPaneOpen (boolValue);
+    }
+
+    if (sketch == nullptr)
+        return;
+    if (currentSource.messaging != nullptr)
+        currentSource.messaging->poll();
+    const double seconds = lastFrameTime > 0.0 ? juce::jlimit (0.0, 0.25, now - lastFrameTime) : 0.0;
+    lastFrameTime = now;
+    sketch->updateAndRender ((float)seconds, now, *renderer);
+}
+
+void TRQEditorGLState::renderFocusRing()
+{
+    int parameter = -1;
+    if (focusParameter.take (parameter))
+        focusNow = parameter;
+    if (focusNow < 0 || !ring.hasRing())
+        return;
+    const auto r = ring.getRing();
+    renderer->setRegion (r.bounds.expanded (r.width));
+    renderer->setColour (juce::Colour::fromFloatRGBA (r.colour[0], r.colour[1], r.colour[2], r.colour[3]));
+    renderer->strokeRect (juce::Rectangle<float> (r.width * 0.5f, r.width * 0.5f,
+                                                  r.bounds.getWidth() + r.width,
+                                                  r.bounds.getHeight() + r.width),
+                          r.width * 0.5f);
+}

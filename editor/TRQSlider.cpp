@@ -1,0 +1,177 @@
+#include "editor/TRQSlider.h"
+
+#include "editor/TRQLookAndFeel.h"
+#include "editor/TRQValueLaw.h"
+#include "state/ParameterRange.h"
+#include "state/TRQAudioParameter.h"
+
+#include <cmath>
+
+TRQSlider::TRQSlider (int index, TRQAudioParameter& p, TRQParameterGestures& g, int mode)
+    : TRQControl (index, p, g)
+    , sliderMode (mode)
+{
+    inputMode = 1;
+    wheelable = true;
+    scrollEnabled = true;
+    outset = (mode == 1 || mode == 2) ? 2.5f : 3.0f;
+    thumbAcross = row.horizontal ? 44.0f : std::min (row.innerFrame.width - 8.0f, 46.0f);
+    thumbAnimation.jumpTo (getNormalisedValue());
+}
+
+void TRQSlider::rebuildDrawing()
+{
+    if (sliderMode != 2)
+        trackList = drawing.trackList (parameterIndex, style);
+    TRQControl::rebuildDrawing();
+}
+
+juce::Point<float> TRQSlider::thumbCentreFor (float n) const
+{
+    const auto& t = row.innerFrame;
+    if (row.horizontal)
+        return {n * t.width + t.x, t.y + t.height * 0.5f};
+    return {t.x + t.width * 0.5f, (1.0f - n) * t.height + t.y};
+}
+
+juce::Rectangle<float> TRQSlider::thumbBounds() const
+{
+    const auto centre = thumbCentreFor (thumbAnimation.valueAt (nowMs()));
+    const float w = row.horizontal ? thumbAcross : thumbAcross;
+    const float h = thumbThickness;
+    return juce::Rectangle<float> (w, h).withCentre (centre);
+}
+
+float TRQSlider::trackLength() const
+{
+    return row.horizontal ? row.innerFrame.width : row.innerFrame.height;
+}
+
+float TRQSlider::axisPosition (juce::Point<float> p) const
+{
+    return row.horizontal ? p.x : p.y;
+}
+
+bool TRQSlider::isAnimating() const
+{
+    return TRQControl::isAnimating() || thumbAnimation.isMoving (nowMs());
+}
+
+void TRQSlider::valueArrived (float n)
+{
+    thumbAnimation.setTarget (n, isDown ? 50.0 : 100.0, nowMs());
+    positionChanged.emit (n);
+}
+
+void TRQSlider::updateFocusRing()
+{
+    juce::Colour colour = controlColour();
+    if (auto* lf = dynamic_cast<TRQLookAndFeel*> (&getLookAndFeel()))
+        colour = lf->focusRingColour (colour);
+    setRing (thumbBounds(), 3.0f, colour);
+}
+
+void TRQSlider::mouseDown (const juce::MouseEvent& e)
+{
+    dragStartValue = getNormalisedValue();
+    if (handleMouseDown (e))
+        return;
+    if (resetOnAlt (e))
+        return;
+    const auto pos = e.position;
+    juce::Path thumb;
+    thumb.addRoundedRectangle (thumbBounds(), 3.0f);
+    if (!thumb.contains (pos) && (e.eventComponent == this || sliderMode == 0))
+    {
+        // A press on the track jumps the thumb under the mouse.
+        const auto centre = thumbCentreFor (parameter.getValue());
+        const int mode = TRQValueLaw::stepModeFor (e.mods);
+        applyDragDelta (parameter.getValue(), pos - centre, mode);
+        dragStartValue = parameter.getValue();
+    }
+    lastPos = pos;
+}
+
+void TRQSlider::mouseDrag (const juce::MouseEvent& e)
+{
+    if (!isDown)
+        return;
+    isDragging = true;
+    const auto pos = e.position;
+    const auto delta = pos - lastPos;
+    if (!TRQValueLaw::modifiersAre (e.mods, juce::ModifierKeys::ctrlModifier))
+    {
+        applyDragDelta (parameter.getValue(), delta, TRQValueLaw::stepModeFor (e.mods));
+        lastPos = pos;
+        return;
+    }
+
+    // Fine law: one step per three times the distance a step covers on the track.
+    const float distance = row.horizontal ? delta.x : delta.y;
+    if (std::abs (distance) <= 1.0f)
+        return;
+    const bool larger = row.horizontal ? distance > 0.0f : distance < 0.0f;
+    const float v = userValue();
+    const float s = TRQValueLaw::stepSize (parameterIndex, v, 0);
+    const float probe = larger ? v + s : v - s;
+    const float perStep =
+        std::max (std::abs ((toNormalised (row.id, probe) - dragStartValue) * trackLength()), 1.0f);
+    const float count = std::round (std::abs (distance) / (perStep * 3.0f));
+    const float next = juce::jlimit (row.min, row.max, v + s * count * (larger ? 1.0f : -1.0f));
+    if (next != v)
+    {
+        setUserValue (next, false);
+        dragStartValue = parameter.getValue();
+        lastPos = pos;
+    }
+}
+
+void TRQSlider::mouseUp (const juce::MouseEvent& e)
+{
+    TRQControl::mouseUp (e);
+}
+
+void TRQSlider::drawControl (juce::Graphics& g)
+{
+    if (sliderMode == 0)
+        trackList.paint (g);
+
+    const auto thumb = thumbBounds();
+    const auto colour = controlColour();
+    if (shadowCache.isNull() || shadowCache.getWidth() != (int)thumb.getWidth() + 16)
+    {
+        shadowCache =
+            juce::Image (juce::Image::ARGB, (int)thumb.getWidth() + 16, (int)thumb.getHeight() + 16, true);
+        juce::Graphics sg (shadowCache);
+        juce::Path p;
+        p.addRoundedRectangle (juce::Rectangle<float> (8.0f, 8.0f, thumb.getWidth(), thumb.getHeight()),
+                               3.0f);
+        juce::DropShadow (juce::Colours::black.withAlpha (0.35f), 6, {0, 1}).drawForPath (sg, p);
+    }
+    g.drawImageAt (shadowCache, (int)std::round (thumb.getX()) - 8, (int)std::round (thumb.getY()) - 8);
+    g.setColour (style == 1 ? juce::Colour (0xfff4f4f4) : juce::Colours::white);
+    g.fillRoundedRectangle (thumb, 3.0f);
+
+    const auto number = valueNumberText();
+    const auto unit = valueUnitText();
+    const auto numFont = numberFont (15.0f);
+    const auto unitFont = symbolFont (13.0f);
+    const float numW = numFont.getStringWidthFloat (number);
+    const float unitW = unit.isEmpty() ? 0.0f : unitFont.getStringWidthFloat (unit) + 1.0f;
+    float scaleX = 1.0f;
+    if (numW + unitW > thumb.getWidth() - 4.0f)
+        scaleX = (thumb.getWidth() - 4.0f) / (numW + unitW);
+    const float x0 = thumb.getCentreX() - (numW + unitW) * scaleX * 0.5f;
+    g.setColour (disabled ? juce::Colours::grey : colour);
+    juce::Graphics::ScopedSaveState save (g);
+    g.addTransform (juce::AffineTransform::scale (scaleX, 1.0f, x0, thumb.getCentreY()));
+    g.setFont (numFont);
+    g.drawText (number, juce::Rectangle<float> (x0, thumb.getY(), numW, thumb.getHeight()),
+                juce::Justification::centred, false);
+    if (unit.isNotEmpty())
+    {
+        g.setFont (unitFont);
+        g.drawText (unit, juce::Rectangle<float> (x0 + numW + 1.0f, thumb.getY(), unitW, thumb.getHeight()),
+                    juce::Justification::centredLeft, false);
+    }
+}

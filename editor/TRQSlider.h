@@ -1,0 +1,45 @@
+#pragma once
+
+#include "editor/TRQControl.h"
+
+// A fader: a thumb that runs along the row's track and shows the value inside it.
+class TRQSlider : public TRQControl
+{
+public:
+    // mode 0 stands alone; 1 and 2 are the lower and upper halves of a range pair.
+    TRQSlider (int parameterIndex, TRQAudioParameter& parameter, TRQParameterGestures& gestures,
+               int mode = 0);
+
+    void drawControl (juce::Graphics& g) override;
+    void rebuildDrawing() override;
+    void updateFocusRing() override;
+    void mouseDown (const juce::MouseEvent& e) override;
+    void mouseDrag (const juce::MouseEvent& e) override;
+    void mouseUp (const juce::MouseEvent& e) override;
+
+    // Where the thumb is drawn now, in the control's units.
+    juce::Rectangle<float> thumbBounds() const;
+    // The thumb's centre for a normalised value.
+    juce::Point<float> thumbCentreFor (float normalised) const;
+
+    // Fired with each new thumb position (range pairs follow it).
+    TRQSignals::Signal<void (float)> positionChanged;
+
+    static constexpr float thumbThickness = 20.0f;
+
+protected:
+    bool isAnimating() const override;
+    void valueArrived (float normalised) override;
+
+private:
+    float trackLength() const;
+    float axisPosition (juce::Point<float> p) const;
+
+    const int sliderMode;
+    TRQDrawingList trackList;
+    TRQAnimatedValue thumbAnimation{100.0};
+    float dragStartValue = 0.0f;
+    juce::Point<float> lastPos;
+    juce::Image shadowCache;
+    float thumbAcross = 40.0f;
+};

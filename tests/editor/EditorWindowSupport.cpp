@@ -1,0 +1,147 @@
+#include "editor/EditorWindowSupport.h"
+
+#include <cstdlib>
+
+namespace EditorWindowSupport
+{
+namespace
+{
+juce::int64 eventTime = 0;
+
+juce::ComponentPeer* peerOf (TRQAudioProcessorEditor& editor)
+{
+    return editor.getPeer();
+}
+
+void send (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    auto* peer = peerOf (editor);
+    if (peer == nullptr)
+        return;
+    eventTime = std::max (eventTime + 20, (juce::int64)juce::Time::currentTimeMillis());
+    juce::ModifierKeys::currentModifiers = mods;
+    peer->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, canvasToEditor (editor, canvas),
+                            mods, juce::MouseInputSource::defaultPressure,
+                            juce::MouseInputSource::defaultOrientation, eventTime);
+    pump (20);
+}
+} // namespace
+
+bool hasDisplay()
+{
+    return std::getenv ("DISPLAY") != nullptr;
+}
+
+bool expectsGL()
+{
+    const char* v = std::getenv ("ZOLK_EXPECT_GL");
+    return v == nullptr || juce::String (v) != "0";
+}
+
+void pump (int milliseconds)
+{
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds);
+}
+
+OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSource> prefs)
+{
+    OpenEditor result;
+    const double start = juce::Time::getMillisecondCounterHiRes();
+    result.editor = std::make_unique<TRQAudioProcessorEditor> (processor, std::move (prefs));
+    auto& editor = *result.editor;
+    editor.setTopLeftPosition (20, 20);
+    editor.addToDesktop (0);
+    editor.setVisible (true);
+    for (int i = 0; i < 400; ++i)
+    {
+        juce::MessageManager::getInstance()->runDispatchLoopUntil (5);
+        if (editor.getFramesRendered() > 0)
+        {
+            result.msToFirstFrame = juce::Time::getMillisecondCounterHiRes() - start;
+            break;
+        }
+        if (editor.getGLStatus() == TRQAudioProcessorEditor::glFailed)
+            break;
+    }
+    return result;
+}
+
+juce::Image capture (juce::Component& component)
+{
+    const auto area = component.getScreenBounds();
+    const auto file = juce::File::createTempFile (".png");
+    juce::ChildProcess process;
+    juce::StringArray args{"import",
+                           "-window",
+                           "root",
+                           "-crop",
+                           juce::String (area.getWidth()) + "x" + juce::String (area.getHeight()) + "+" +
+                               juce::String (area.getX()) + "+" + juce::String (area.getY()),
+                           "+repage",
+                           file.getFullPathName()};
+    if (!process.start (args))
+        return {};
+    process.waitForProcessToFinish (20000);
+    auto image = juce::ImageFileFormat::loadFrom (file);
+    file.deleteFile();
+    return image;
+}
+
+void save (const juce::Image& image, const juce::String& name)
+{
+    const char* dir = std::getenv ("ZOLK_SCREENSHOT_DIR");
+    if (dir == nullptr || !image.isValid())
+        return;
+    juce::File folder (dir);
+    folder.createDirectory();
+    juce::FileOutputStream out (folder.getChildFile (name + ".png"));
+    if (out.openedOk())
+    {
+        out.setPosition (0);
+        out.truncate();
+        juce::PNGImageFormat().writeImageToStream (image, out);
+    }
+}
+
+juce::Point<float> canvasToEditor (TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    return editor.getLocalPoint (&editor.getRoot(), canvas);
+}
+
+void mouseDown (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    send (editor, canvas, mods.withFlags (juce::ModifierKeys::leftButtonModifier));
+}
+
+void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    send (editor, canvas, mods.withFlags (juce::ModifierKeys::leftButtonModifier));
+}
+
+void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    send (editor, canvas, mods.withoutMouseButtons());
+}
+
+void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY, juce::ModifierKeys mods)
+{
+    auto* peer = peerOf (editor);
+    if (peer == nullptr)
+        return;
+    juce::ModifierKeys::currentModifiers = mods;
+    juce::MouseWheelDetails details{0.0f, deltaY, false, false, false};
+    eventTime = std::max (eventTime + 200, (juce::int64)juce::Time::currentTimeMillis());
+    peer->handleMouseWheel (juce::MouseInputSource::InputSourceType::mouse, canvasToEditor (editor, canvas),
+                            eventTime, details);
+    pump (20);
+}
+
+void key (TRQAudioProcessorEditor& editor, const juce::KeyPress& k)
+{
+    juce::ModifierKeys::currentModifiers = k.getModifiers();
+    if (auto* peer = peerOf (editor))
+        peer->handleKeyPress (k);
+    juce::ModifierKeys::currentModifiers = {};
+    pump (20);
+}
+} // namespace EditorWindowSupport

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/TRQAudioProcessor.h"
+#include "editor/TRQAudioProcessorEditor.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <memory>
+
+// An editor in a real top-level window, driven through its window peer the way the
+// operating system drives it, and photographed with the X server's screenshot.
+namespace EditorWindowSupport
+{
+bool hasDisplay();
+// Whether the run expects a working OpenGL 3.2 (ZOLK_EXPECT_GL, default yes).
+bool expectsGL();
+
+struct OpenEditor
+{
+    std::unique_ptr<TRQAudioProcessorEditor> editor;
+    double msToFirstFrame = -1.0;
+};
+
+// Puts the editor on the desktop at (20, 20) and pumps the message loop until the
+// first GL frame is drawn, or the editor gave up on GL.
+OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSource> prefs);
+
+void pump (int milliseconds);
+
+// The editor's pixels as the X server shows them, GL content included.
+juce::Image capture (juce::Component& component);
+
+// Saves into ZOLK_SCREENSHOT_DIR if set.
+void save (const juce::Image& image, const juce::String& name);
+
+// Mouse events through the window's peer, at canvas positions of the editor.
+juce::Point<float> canvasToEditor (TRQAudioProcessorEditor& editor, juce::Point<float> canvas);
+void mouseDown (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
+            juce::ModifierKeys mods = {});
+void key (TRQAudioProcessorEditor& editor, const juce::KeyPress& key);
+} // namespace EditorWindowSupport
