@@ -87,8 +87,11 @@ void TRQControl::refresh (bool force)
         rebuildDrawing();
         dirty = true;
     }
-    if (dirty || force || isAnimating())
+    // One more paint after an animation ends, so its last step is what stays.
+    const bool animating = isAnimating();
+    if (dirty || force || animating || wasAnimating)
         repaint();
+    wasAnimating = animating;
     dirty = false;
 }
 

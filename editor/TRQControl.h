@@ -116,6 +116,7 @@ protected:
     bool dirty = true;
     bool doubleClickKeyEntry = false;
     bool tooltipWanted = false;
+    bool wasAnimating = false;
     std::array<std::atomic<bool>, 21> dependencyFlags{};
     std::atomic<bool> locked{false};
     std::atomic<float> normalisedValue{0.0f};

@@ -63,7 +63,14 @@ bool TRQEditorGLState::checkContext()
 
 void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
 {
+    // Continuous repainting runs as fast as the driver allows where nothing waits
+    // for the display (software GL, virtual servers); sixty frames a second is all
+    // the meters need.
+    const double sinceLast = juce::Time::getMillisecondCounterHiRes() - lastFrameStart;
+    if (lastFrameStart > 0.0 && sinceLast < minimumFrameMs)
+        juce::Thread::sleep ((int)(minimumFrameMs - sinceLast));
     const double start = juce::Time::getMillisecondCounterHiRes();
+    lastFrameStart = start;
     if (status.load() != 2 && !checkContext())
     {
         status.store (1);

@@ -93,4 +93,6 @@ private:
     int darkModeNow = 0, meteringNow = 1, focusNow = -1;
     bool advancedNow = false;
     double lastFrameTime = 0.0;
+    double lastFrameStart = 0.0;
+    static constexpr double minimumFrameMs = 16.0;
 };

@@ -34,6 +34,7 @@ public:
     std::atomic<double> lastDataTime{-1.0e9};
     std::vector<float> history, xPositions, yPositions;
     std::vector<juce::Point<float>> areaVertices, edgeVertices, gridVertices;
-    juce::Colour area{0x40c24e54}, edge{0xffc24e54}, grid{0x20000000};
-    juce::Colour areaDark{0x50e0676d}, edgeDark{0xffe0676d}, gridDark{0x28ffffff};
+    // It sits on the red centre strip in both styles: white on red.
+    juce::Colour area{0x59ffffff}, edge{0xe6ffffff}, grid{0x30ffffff};
+    juce::Colour areaDark{0x59ffffff}, edgeDark{0xe6ffffff}, gridDark{0x30ffffff};
 };

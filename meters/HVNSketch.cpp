@@ -8,8 +8,8 @@ namespace
 // under the compressor's switch in the centre pane, the detector LED by the
 // compressor's heading.
 const HVNSketchRow rows[] = {
-    {0, {62.0f, 54.0f, 6.0f, 218.0f}, false, false},
-    {1, {378.0f, 54.0f, 6.0f, 218.0f}, false, false},
+    {0, {64.0f, 54.0f, 6.0f, 218.0f}, false, false},
+    {1, {380.0f, 54.0f, 6.0f, 218.0f}, false, false},
     {2, {399.0f, 252.0f, 54.0f, 64.0f}, true, false},
     {3, {146.0f, 10.0f, 10.0f, 10.0f}, true, false},
 };

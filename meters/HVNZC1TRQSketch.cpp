@@ -16,6 +16,7 @@ HVNZC1TRQSketch::HVNZC1TRQSketch (MeterMessaging& messaging, uint32_t numInputs,
     , led (std::make_shared<HVNLEDMeter> (3, -60.0f, 0.0f))
 {
     elements = {grHistory.get(), input.get(), output.get(), led.get()};
+    input->barThickness = output->barThickness = 4.0f;
 
     using Buffer = SharedMeterTypes::HVNAudioBufferMeter<double>;
     std::weak_ptr<HVNLevelMeter> in = input, out = output;
