@@ -37,8 +37,7 @@ TRQEditorPreferences::TRQEditorPreferences (std::shared_ptr<TRQPreferenceSource>
     doubleClickKeyEntry = loadSwitch ("DoubleClickKeyEntry", 0) != 0;
     const auto name = source->getString ("Language", "English");
     language = TRQLanguage::languageFromName (name);
-    if (TRQLanguage::languageName (language) != name)
-        source->setString ("Language", TRQLanguage::languageName (language));
+    source->setString ("Language", TRQLanguage::languageName (language));
     metering = loadSwitch ("Metering", 1);
     scrolling = loadSwitch ("Scrolling", 1) != 0;
     // Stored as one byte, as the registry form keeps it.
