@@ -4,10 +4,14 @@
 #include "meters/MeterMessaging.h"
 #include "meters/TRQShapeRenderer.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 using namespace juce::gl;
 
 TRQEditorGLState::TRQEditorGLState (juce::OpenGLContext& c)
     : context (c)
+    , createdMs (juce::Time::getMillisecondCounterHiRes())
 {
     focusParameter.value.store (-1);
 }
@@ -117,7 +121,9 @@ void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
         return;
     }
     status.store (2);
-    frames.fetch_add (1);
+    if (frames.fetch_add (1) == 0 && std::getenv ("ZOLK_REPORT_FIRST_FRAME") != nullptr)
+        std::fprintf (stderr, "first frame %.1f ms after the editor was made\n",
+                      juce::Time::getMillisecondCounterHiRes() - createdMs);
     lastFrameMs.store (juce::Time::getMillisecondCounterHiRes() - start);
 }
 

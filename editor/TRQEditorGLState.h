@@ -78,6 +78,7 @@ private:
     void renderFocusRing();
 
     juce::OpenGLContext& context;
+    const double createdMs;
     std::mutex handoff;
     juce::Image pendingBackground;
     bool backgroundPending = false;
