@@ -213,6 +213,7 @@ TEST_F (EditorWindow, ControlsTakeEveryInput)
     editor.getControl (11)->grabKeyboardFocus();
     key (editor, juce::KeyPress ('3', {}, '3'));
     EXPECT_NEAR (realOf (processor, 11), 2.0f, 0.01f);
+    editor.getControl (11)->grabKeyboardFocus();
     key (editor, juce::KeyPress ('0', {}, '0'));
     EXPECT_NEAR (realOf (processor, 11), 0.0f, 0.01f);
 
