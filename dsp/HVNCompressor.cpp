@@ -20,8 +20,6 @@ constexpr uint32_t lastTime = Tables::timeColumns - 1;
 // The 32-bit value of sqrt(1/2): the tilt shelves' slope.
 constexpr double tiltSlope = static_cast<double> (0.70710677f);
 constexpr double fullSwingPerSecond150ms = 6.6666666666666670;
-// The meter's scale: 36 dB of reduction fill it.
-constexpr double meterRangeDb = 36.0;
 
 void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
 {

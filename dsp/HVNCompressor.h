@@ -23,6 +23,8 @@ class HVNCompressor
 {
 public:
     static constexpr uint32_t timeColumns = 23;
+    // meterValues[0] is the reduction in dB over this: 36 dB fill the meter.
+    static constexpr double meterRangeDb = 36.0;
 
     // Takes its configuration from owner and registers its easings there. mixEase
     // and refGainEase are the chain's; the compressor only reads them.

@@ -111,6 +111,9 @@ def pchip(xs, ys, points):
             out.append(ys[xs.index(x)])
             continue
         k = max(i for i in range(len(xs) - 1) if xs[i] <= x)
+        if ys[k] == ys[k + 1] and d[k] == 0.0 and d[k + 1] == 0.0:
+            out.append(ys[k])  # a flat stretch stays exactly flat
+            continue
         h = xs[k + 1] - xs[k]
         t = (x - xs[k]) / h
         h00 = (1 + 2 * t) * (1 - t) ** 2
