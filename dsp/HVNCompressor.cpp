@@ -28,6 +28,15 @@ void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond
 }
 } // namespace
 
+void retarget (HVNEasingFloat<double>& ease, double target)
+{
+    // The sidechain's state is re-delivered every block; a ramp already on its
+    // way to the same target keeps its course, so that the result stays the same
+    // however the host cuts its blocks.
+    if (!(ease.isEasing() && ease.getTarget() == target))
+        ease.setTarget (target);
+}
+
 static_assert (HVNCompressor::timeColumns == Tables::timeColumns, "time rows and tables must agree");
 
 uint32_t HVNCompressor::lookAheadFor (double sampleRate)
@@ -108,7 +117,7 @@ void HVNCompressor::updateParameters (const HVNSidechainState& sidechainState)
         if (!sidechainState.active)
             sidechainBlendEase.setInstant (1.0);
         else
-            sidechainBlendEase.setTarget (1.0 - dsp.parameterValue (SidechainExternal) * 0.01);
+            retarget (sidechainBlendEase, 1.0 - dsp.parameterValue (SidechainExternal) * 0.01);
     }
     if (dsp.parameterChanged (SidechainTilt))
         setTilt (dsp.parameterValue (SidechainTilt));

@@ -19,6 +19,9 @@
 // attack and release controls. The detector sees a peak over the next quarter
 // millisecond, of the main input or of a blend with the external sidechain,
 // through a tilt shelf.
+// Sets a target unless a ramp is already heading there.
+void retarget (HVNEasingFloat<double>& ease, double target);
+
 class HVNCompressor
 {
 public:

@@ -167,7 +167,7 @@ void HVNZC1DSP::runListen (uint32_t n)
     if (parameterChanged (SidechainListen) || sidechainState.changed)
     {
         if (sidechainState.active)
-            listenEase.setTarget (parameterValue (SidechainListen) == 1.0f ? 1.0 : 0.0);
+            retarget (listenEase, parameterValue (SidechainListen) == 1.0f ? 1.0 : 0.0);
         else
             listenEase.setInstant (0.0);
     }
