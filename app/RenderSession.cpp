@@ -198,7 +198,8 @@ RenderReport RenderSession::run()
             return;
         const auto& dsp = plugin->getDSP()->getCurrentDSP();
         if (dsp != nullptr && !dsp->meterValues.empty())
-            maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) * HVNCompressor::meterRangeDb);
+            maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) *
+                                                           HVNCompressor::meterRangeDb);
     };
 
     const auto started = std::chrono::steady_clock::now();

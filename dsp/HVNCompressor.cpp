@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace
 {
@@ -20,6 +21,17 @@ constexpr uint32_t lastTime = Tables::timeColumns - 1;
 // The 32-bit value of sqrt(1/2): the tilt shelves' slope.
 constexpr double tiltSlope = static_cast<double> (0.70710677f);
 constexpr double fullSwingPerSecond150ms = 6.6666666666666670;
+
+// exp(x) for the one-pole coefficients, whose exponent is nearly always tiny:
+// there the series to x^6 is exact to the last bit (the first term left out
+// stays below 1e-18), and it spares the library call in the per-sample loop.
+inline double poleExp (double x)
+{
+    if (x > -0.0078125 && x < 0.0078125)
+        return 1.0 +
+               x * (1.0 + x * (0.5 + x * (1.0 / 6.0 + x * (1.0 / 24.0 + x * (1.0 / 120.0 + x / 720.0)))));
+    return std::exp (x);
+}
 
 void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
 {
@@ -189,7 +201,8 @@ void HVNCompressor::updateThresholdAndMakeup (uint32_t n)
         return;
     }
     const double* amount = amountEase.getBuffer();
-    vHVN_vTableLookup (amount, 0.0, top, 0.0, top, Tables::thresholdDb, Tables::rows, thresholdBlock.data(), n);
+    vHVN_vTableLookup (amount, 0.0, top, 0.0, top, Tables::thresholdDb, Tables::rows, thresholdBlock.data(),
+                       n);
     vHVN_vTableLookup (amount, 0.0, top, 0.0, top, Tables::makeupDb, Tables::rows, makeupBlock.data(), n);
     vHVN_vLinToDb (sidechainBlendEase.getBuffer(), blockScratch.data(), n);
     HVNSIMD::instance().vAdd (blockScratch.data(), makeupBlock.data(), makeupBlock.data(), n);
@@ -256,9 +269,10 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
             gr = g0 + (g1 - g0) * f;
         }
 
-        double e = gr - invW * sum;
+        const double e = gr - invW * sum;
         double u = (-over - T) / 3.0;
-        u = std::fmax (std::fmin (u, 22.0), 0.0);
+        u = u < 22.0 ? u : 22.0;
+        u = u > 0.0 ? u : 0.0;
         const double q = 22.0 - u;
 
         if (!cachedAmountValid || a != cachedAmount)
@@ -268,24 +282,30 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
         const double r = q - j;
         const uint32_t j2 = std::min (j + 1, lastTime);
 
-        double y[2];
-        const uint32_t indices[2] = {j, j2};
-        for (int pass = 0; pass < 2; ++pass)
-        {
-            const uint32_t idx = indices[pass];
-            double tc;
-            if (e >= 0.0)
-            {
-                tc = std::max (0.0, attack[i] * std::exp (e * timeB[idx] + gr * timeA[idx]));
-            }
-            else
-            {
-                tc = std::max (0.015, release[i] * std::exp (gr * timeA[idx] - e * timeB[idx]));
-                e *= 0.75;
-            }
-            const double target = std::max (0.0, timeC[idx] * e + gr);
-            y[pass] = std::exp (-timeFactor / tc) * (p - target) + target;
-        }
+        // Two passes, at the level index's two neighbours. A release shrinks e
+        // by a quarter after each pass's time constant, so the second pass's
+        // exponent already sees 0.75 e and the goals 0.75 e and 0.5625 e. Both
+        // passes are written out so that they run side by side, and exp(-z)
+        // replaces a division by exp(z): tc = scale * exp(z) and the pole is
+        // exp(-timeFactor / tc).
+        const bool attacking = e >= 0.0;
+        const double exponentE1 = e;
+        const double goalE1 = attacking ? e : 0.75 * e;
+        const double exponentE2 = goalE1;
+        const double goalE2 = attacking ? e : 0.5625 * e;
+        const double sign = attacking ? 1.0 : -1.0;
+        const double factor = timeFactor / (attacking ? attack[i] : release[i]);
+        // tc at least 0.015 while releasing: the pole's exponent at most this.
+        const double limit = attacking ? std::numeric_limits<double>::infinity() : timeFactor / 0.015;
+
+        const double z1 = gr * timeA[j] + sign * exponentE1 * timeB[j];
+        const double z2 = gr * timeA[j2] + sign * exponentE2 * timeB[j2];
+        const double w1 = std::min (factor * std::exp (-z1), limit);
+        const double w2 = std::min (factor * std::exp (-z2), limit);
+        const double target1 = std::max (0.0, timeC[j] * goalE1 + gr);
+        const double target2 = std::max (0.0, timeC[j2] * goalE2 + gr);
+        const double y[2] = {poleExp (-w1) * (p - target1) + target1,
+                             poleExp (-w2) * (p - target2) + target2};
         const double result = y[0] + (y[1] - y[0]) * r;
 
         sum += result - hist[i];

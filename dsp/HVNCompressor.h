@@ -31,7 +31,8 @@ public:
 
     // Takes its configuration from owner and registers its easings there. mixEase
     // and refGainEase are the chain's; the compressor only reads them.
-    HVNCompressor (HVNAbstractDSP& owner, HVNEasingFloat<double>& mixEase, HVNEasingFloat<double>& refGainEase);
+    HVNCompressor (HVNAbstractDSP& owner, HVNEasingFloat<double>& mixEase,
+                   HVNEasingFloat<double>& refGainEase);
 
     // Audio thread. On return main holds the delayed, gain-controlled signal and
     // sidechain the detector signal (blend, tilt filter and tilt gain applied).

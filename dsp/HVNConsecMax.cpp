@@ -23,7 +23,8 @@ void HVNConsecMax<T>::process (const T* input, uint32_t windowLength, uint32_t n
         vHVN_vRunningMax (input + start, forward.data() + start, length, false);
         vHVN_vRunningMax (input + start, backward.data() + start, length, true);
     }
-    HVNSIMD::instance().vMax (backward.data(), forward.data() + windowLength - 1, this->output.data(), numSamples);
+    HVNSIMD::instance().vMax (backward.data(), forward.data() + windowLength - 1, this->output.data(),
+                              numSamples);
 }
 
 template class HVNConsecMax<double>;

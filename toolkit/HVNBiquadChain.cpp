@@ -23,7 +23,8 @@ HVNBiquadChain::HVNBiquadChain (uint32_t blockSize, double rate, bool shouldSmoo
     if (smooth)
     {
         incoming = std::make_unique<vHVN_biquad::Vectorized<double>> (maxSections);
-        crossfade = std::make_unique<HVNEasingFloat<double>> (std::max (blockSize, 1u), &sampleRate, &noCallbacks);
+        crossfade =
+            std::make_unique<HVNEasingFloat<double>> (std::max (blockSize, 1u), &sampleRate, &noCallbacks);
         crossfade->setRatePerSample (fadeRatePerSecond / sampleRate);
         crossfade->setInstant (1.0);
     }

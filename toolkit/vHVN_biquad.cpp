@@ -38,7 +38,8 @@ uint32_t butterworth (RawSections& sections, double fs, double f, double g, doub
     {
         const double c = std::cos ((2.0 * i + n - 1) * pi / (2.0 * n));
         const double u = -2.0 * k * c * t;
-        put (sections, count++, {t2, sign * 2.0 * t2, t2, t2 + 1.0 + u, sign * (2.0 * t2 - 2.0), t2 - u + 1.0});
+        put (sections, count++,
+             {t2, sign * 2.0 * t2, t2, t2 + 1.0 + u, sign * (2.0 * t2 - 2.0), t2 - u + 1.0});
     }
     if (n % 2 == 1)
     {
@@ -59,10 +60,12 @@ RawSection shelf (double fs, double f, double g, double q, bool low)
     const double alpha = std::sin (w0) / 2.0 * std::sqrt ((A + 1.0 / A) * (1.0 / q - 1.0) + 2.0);
     const double c = std::cos (w0), r = 2.0 * std::sqrt (A) * alpha;
     if (low)
-        return {A * ((A + 1) - (A - 1) * c + r), 2 * A * ((A - 1) - (A + 1) * c), A * ((A + 1) - (A - 1) * c - r),
-                (A + 1) + (A - 1) * c + r,       -2 * ((A - 1) + (A + 1) * c),   (A + 1) + (A - 1) * c - r};
-    return {A * ((A + 1) + (A - 1) * c + r), -2 * A * ((A - 1) + (A + 1) * c), A * ((A + 1) + (A - 1) * c - r),
-            (A + 1) - (A - 1) * c + r,       2 * ((A - 1) - (A + 1) * c),     (A + 1) - (A - 1) * c - r};
+        return {A * ((A + 1) - (A - 1) * c + r), 2 * A * ((A - 1) - (A + 1) * c),
+                A * ((A + 1) - (A - 1) * c - r), (A + 1) + (A - 1) * c + r,
+                -2 * ((A - 1) + (A + 1) * c),    (A + 1) + (A - 1) * c - r};
+    return {A * ((A + 1) + (A - 1) * c + r), -2 * A * ((A - 1) + (A + 1) * c),
+            A * ((A + 1) + (A - 1) * c - r), (A + 1) - (A - 1) * c + r,
+            2 * ((A - 1) - (A + 1) * c),     (A + 1) - (A - 1) * c - r};
 }
 } // namespace
 
@@ -72,63 +75,63 @@ uint32_t designFilterSections (RawSections& sections, double fs, double f, doubl
     const double w0 = 2.0 * pi * f / fs;
     switch (type)
     {
-        case ButterworthLowpass:
-        case ButterworthHighpass:
-            return butterworth (sections, fs, f, g, order, type == ButterworthHighpass);
-        case LinkwitzRileyLowpass:
-        case LinkwitzRileyHighpass:
-        {
-            const bool high = type == LinkwitzRileyHighpass;
-            if (order == 2.0)
-                return designFilterSections (sections, fs, f, 0.0, 0.5, 2.0, high ? Highpass : Lowpass);
-            const uint32_t half = butterworth (sections, fs, f, g, order / 2.0, high);
-            for (uint32_t i = 0; i < half; ++i)
-                put (sections, half + i, sections[i]);
-            return 2 * half;
-        }
-        case LowShelf:
-        case HighShelf:
-            put (sections, 0, shelf (fs, f, g, q, type == LowShelf));
-            return 1;
-        case Peak:
-        {
-            const double fl = std::min (f, 0.99 * fs / 2.0);
-            const double w = 2.0 * pi * fl / fs;
-            const double A = std::pow (10.0, g / 40.0), alpha = std::sin (w) / (2.0 * q), c = std::cos (w);
-            put (sections, 0, {1 + alpha * A, -2 * c, 1 - alpha * A, 1 + alpha / A, -2 * c, 1 - alpha / A});
-            return 1;
-        }
-        case Bandpass:
-        {
-            const double alpha = std::sin (w0) / (2.0 * q), G = std::exp (g * dbToExponent);
-            put (sections, 0, {G * alpha, 0.0, -G * alpha, 1 + alpha, -2 * std::cos (w0), 1 - alpha});
-            return 1;
-        }
-        case FirstOrderAllpass:
-        {
-            const double K = 2.0 * fs / (2.0 * pi * f);
-            put (sections, 0, {K - 1, -1 - K, 0.0, K + 1, 1 - K, 0.0});
-            return 1;
-        }
-        case Gain:
-            put (sections, 0, {std::exp (g * dbToExponent), 0.0, 0.0, 1.0, 0.0, 0.0});
-            return 1;
-        case Lowpass:
-        case Highpass:
-        case Notch:
-        {
-            const double alpha = std::sin (w0) / (2.0 * q), c = std::cos (w0);
-            const double a0 = 1 + alpha, a1 = -2 * c, a2 = 1 - alpha;
-            if (type == Lowpass)
-                put (sections, 0, {(1 - c) / 2, 1 - c, (1 - c) / 2, a0, a1, a2});
-            else if (type == Highpass)
-                put (sections, 0, {(1 + c) / 2, -(1 + c), (1 + c) / 2, a0, a1, a2});
-            else
-                put (sections, 0, {1.0, -2 * c, 1.0, a0, a1, a2});
-            return 1;
-        }
-        default:
-            return 0;
+    case ButterworthLowpass:
+    case ButterworthHighpass:
+        return butterworth (sections, fs, f, g, order, type == ButterworthHighpass);
+    case LinkwitzRileyLowpass:
+    case LinkwitzRileyHighpass:
+    {
+        const bool high = type == LinkwitzRileyHighpass;
+        if (order == 2.0)
+            return designFilterSections (sections, fs, f, 0.0, 0.5, 2.0, high ? Highpass : Lowpass);
+        const uint32_t half = butterworth (sections, fs, f, g, order / 2.0, high);
+        for (uint32_t i = 0; i < half; ++i)
+            put (sections, half + i, sections[i]);
+        return 2 * half;
+    }
+    case LowShelf:
+    case HighShelf:
+        put (sections, 0, shelf (fs, f, g, q, type == LowShelf));
+        return 1;
+    case Peak:
+    {
+        const double fl = std::min (f, 0.99 * fs / 2.0);
+        const double w = 2.0 * pi * fl / fs;
+        const double A = std::pow (10.0, g / 40.0), alpha = std::sin (w) / (2.0 * q), c = std::cos (w);
+        put (sections, 0, {1 + alpha * A, -2 * c, 1 - alpha * A, 1 + alpha / A, -2 * c, 1 - alpha / A});
+        return 1;
+    }
+    case Bandpass:
+    {
+        const double alpha = std::sin (w0) / (2.0 * q), G = std::exp (g * dbToExponent);
+        put (sections, 0, {G * alpha, 0.0, -G * alpha, 1 + alpha, -2 * std::cos (w0), 1 - alpha});
+        return 1;
+    }
+    case FirstOrderAllpass:
+    {
+        const double K = 2.0 * fs / (2.0 * pi * f);
+        put (sections, 0, {K - 1, -1 - K, 0.0, K + 1, 1 - K, 0.0});
+        return 1;
+    }
+    case Gain:
+        put (sections, 0, {std::exp (g * dbToExponent), 0.0, 0.0, 1.0, 0.0, 0.0});
+        return 1;
+    case Lowpass:
+    case Highpass:
+    case Notch:
+    {
+        const double alpha = std::sin (w0) / (2.0 * q), c = std::cos (w0);
+        const double a0 = 1 + alpha, a1 = -2 * c, a2 = 1 - alpha;
+        if (type == Lowpass)
+            put (sections, 0, {(1 - c) / 2, 1 - c, (1 - c) / 2, a0, a1, a2});
+        else if (type == Highpass)
+            put (sections, 0, {(1 + c) / 2, -(1 + c), (1 + c) / 2, a0, a1, a2});
+        else
+            put (sections, 0, {1.0, -2 * c, 1.0, a0, a1, a2});
+        return 1;
+    }
+    default:
+        return 0;
     }
 }
 

@@ -43,8 +43,8 @@ struct ChainRunner
         for (long t = 0; t < length;)
         {
             uint32_t n = nextBlock ? nextBlock() : dsp.blockSize;
-            n = static_cast<uint32_t> (std::min<long> ({static_cast<long> (n), length - t,
-                                                        static_cast<long> (dsp.blockSize)}));
+            n = static_cast<uint32_t> (
+                std::min<long> ({static_cast<long> (n), length - t, static_cast<long> (dsp.blockSize)}));
             if (beforeBlock)
                 beforeBlock (t);
             for (uint32_t c = 0; c < in.channels(); ++c)

@@ -38,7 +38,8 @@ double predictedGainDb (uint32_t row, double levelDb, bool withMakeup = true)
 }
 
 // Output level over input level, in dB, over the last quarter second.
-double steadyGainDb (const std::vector<float>& out, const std::function<float (uint32_t, long)>& in, long length)
+double steadyGainDb (const std::vector<float>& out, const std::function<float (uint32_t, long)>& in,
+                     long length)
 {
     std::vector<float> x (length);
     for (long t = 0; t < length; ++t)
@@ -94,8 +95,8 @@ TEST (HVNCompressor, AttackAndReleaseScaleWithTheirControls)
         const double low = std::pow (10.0, -40.0 / 20.0), high = std::pow (10.0, -6.0 / 20.0);
         std::vector<double> reduction;
         runner.afterBlock = [&] { reduction.push_back (runner.dsp.meterValues[0] * 36.0); };
-        runner.run (length, [&] (uint32_t, long t)
-                    { return quarterRate (up == (t >= step) ? high : low) (0, t); });
+        runner.run (length,
+                    [&] (uint32_t, long t) { return quarterRate (up == (t >= step) ? high : low) (0, t); });
         const size_t first = static_cast<size_t> (step / 64);
         const double from = reduction[first - 1], to = reduction.back();
         for (size_t b = first; b < reduction.size(); ++b)
@@ -123,7 +124,8 @@ TEST (HVNCompressor, ExternalSidechainDrivesTheDetectorAndTakesTheMakeup)
         ChainRunner runner (512, rate, 2, 2, 2);
         runner.set ({{CompressionAmount, 50.0f}, {WowFlutterAmount, 0.0f}, {SidechainExternal, external}});
         const auto out = runner.run (length, main, {}, side);
-        const double expected = external == 0.0f ? predictedGainDb (10, mainDb) : predictedGainDb (10, sideDb, false);
+        const double expected =
+            external == 0.0f ? predictedGainDb (10, mainDb) : predictedGainDb (10, sideDb, false);
         EXPECT_NEAR (steadyGainDb (out[0], main, length), expected, 0.5) << external;
     }
 }
@@ -136,7 +138,8 @@ TEST (HVNCompressor, ListenPlaysTheDetectorAndTiltShapesIt)
         ChainRunner runner (512, rate, 2, 2, 2);
         runner.set ({{SidechainExternal, 100.0f}, {SidechainListen, 1.0f}, {SidechainTilt, tilt}});
         const auto side = ChainRunner::sine (frequency, 0.1, rate);
-        const auto out = runner.run (length, [] (uint32_t, long) { return 0.0f; }, {}, side);
+        const auto out = runner.run (
+            length, [] (uint32_t, long) { return 0.0f; }, {}, side);
         std::vector<float> x (length);
         for (long t = 0; t < length; ++t)
             x[t] = side (0, t);

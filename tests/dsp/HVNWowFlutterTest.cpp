@@ -1,5 +1,5 @@
-#include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNWowFlutter.h"
+#include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
 
 #include <gtest/gtest.h>

@@ -30,7 +30,8 @@ TEST (HVNZC1DSP, BlockSizesDoNotChangeTheOutput)
         auto out = runner.run (length, input, next, side);
         for (uint32_t c = 0; c < 2; ++c)
             for (long i = 0; i < length; ++i)
-                ASSERT_NEAR (out[c][i], reference[c][i], 1e-6f) << "block " << size << " ch " << c << " @" << i;
+                ASSERT_NEAR (out[c][i], reference[c][i], 1e-6f)
+                    << "block " << size << " ch " << c << " @" << i;
     }
 }
 
@@ -102,7 +103,8 @@ TEST (HVNZC1DSP, WritesItsFourMeterTaps)
                      });
     runner.dsp.reset();
     runner.set ({{DigitalRefLevel, -30.0f}, {SidechainExternal, 100.0f}});
-    runner.run (640, [] (uint32_t, long) { return 0.5f; }, {}, [] (uint32_t, long) { return 0.25f; });
+    runner.run (
+        640, [] (uint32_t, long) { return 0.5f; }, {}, [] (uint32_t, long) { return 0.25f; });
     meters.poll();
     for (int id = 0; id < 4; ++id)
         EXPECT_EQ (counts[id], 10) << id;
@@ -128,7 +130,8 @@ TEST (HVNZC1DSP, NeverAllocatesWithEveryParameterMovingEveryBlock)
         std::mt19937 random (5);
         std::uniform_real_distribution<float> unit (0.0f, 1.0f);
         const float low[] = {0, -24, 0, 0, 0, -24, 0, 0.1f, 0.1f, 0, 0, 0, 0, -96, 0, 0, 0, -36, 0, 0, -100};
-        const float high[] = {1, 12, 100, 100, 100, 12, 100, 8, 8, 1, 100, 2, 360, 0, 2, 100, 1, 0, 1, 100, 100};
+        const float high[] = {1, 12,  100, 100, 100, 12, 100, 8, 8,   1,  100,
+                              2, 360, 0,   2,   100, 1,  0,   1, 100, 100};
         const bool stepped[] = {1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 0, 1, 0, 1, 0, 1, 0, 0};
 
         AllocationCounter counter;

@@ -1,5 +1,5 @@
-#include "toolkit/HVNBiquadBank.h"
 #include "toolkit/vHVN_biquad.h"
+#include "toolkit/HVNBiquadBank.h"
 
 #include <gtest/gtest.h>
 
