@@ -183,6 +183,18 @@ TEST (RenderSession, ReportedLatencyIsWhereAnImpulseComesOut)
         EXPECT_EQ (report.latencySamples, rate == 44100.0 ? 16 : rate == 48000.0 ? 17 : 30);
         EXPECT_NEAR (out.getSample (1, peak), 1.0f, 1e-5f);
         EXPECT_EQ (report.maxGainReductionDb, 0.0);
+
+        // In HQ mode the chain's latency is filled up to whole host samples and the
+        // converters' delay is added: the impulse still lands where reported.
+        const auto hq = render ({"--set", "MasterMix=0", "--set", "HQMode=1",
+                                 tmp.dir.getChildFile ("impulse" + name + ".wav").getFullPathName(),
+                                 tmp.dir.getChildFile ("hq" + name + ".wav").getFullPathName()});
+        const auto hqOut = readWav (tmp.dir.getChildFile ("hq" + name + ".wav"));
+        int hqPeak = 0;
+        for (int i = 0; i < hqOut.getNumSamples(); ++i)
+            if (std::abs (hqOut.getSample (0, i)) > std::abs (hqOut.getSample (0, hqPeak)))
+                hqPeak = i;
+        EXPECT_EQ (hqPeak - at, hq.latencySamples) << rate;
     }
 }
 
