@@ -190,3 +190,25 @@ TEST (HVNCompressor, StereoLinkSharesOneGainAndFlipsTheMeterSign)
         }
     }
 }
+
+TEST (HVNCompressor, OvershootPastTheTableStaysOnItsLastColumn)
+{
+    // +12 dB of input gain on a full-scale signal: 74 dB over the row-0 threshold.
+    ChainRunner runner (512, rate);
+    runner.set ({{CompressionAmount, 0.0f}, {WowFlutterAmount, 0.0f}, {InputGain, 12.0f}});
+    const auto in = quarterRate (1.0);
+    const long length = static_cast<long> (2.5 * rate);
+    const auto out = runner.run (length, in);
+    EXPECT_NEAR (steadyGainDb (out[0], in, length), 12.0 + Tables::makeupDb[0] - Tables::gain[0][63], 0.5);
+}
+
+TEST (HVNCompressor, TheLayoutDecidesTheLinkForAMonoInput)
+{
+    for (auto [outs, linked] : {std::pair{2u, true}, std::pair{1u, false}})
+    {
+        ChainRunner runner (64, rate, 1, outs);
+        runner.set (CompStereoLink, linked ? 0.0f : 1.0f);
+        runner.run (64, [] (uint32_t, long) { return 0.1f; });
+        EXPECT_EQ (runner.dsp.getCompressor().isStereoLinked(), linked) << outs;
+    }
+}
