@@ -248,6 +248,7 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
     const double* amount = amountEase.getBuffer();
     const double* attack = attackEase.getBuffer();
     const double* release = releaseEase.getBuffer();
+    const bool amountMoving = amountEase.isActive();
     const double* thresholds = perSampleCurve ? thresholdBlock.data() : nullptr;
 
     for (uint32_t i = 0; i < n; ++i)
@@ -280,7 +281,9 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
         u = u > 0.0 ? u : 0.0;
         const double q = 22.0 - u;
 
-        if (!cachedAmountValid || a != cachedAmount)
+        // While the amount moves only the two entries this sample reads are
+        // interpolated; at rest the rows are rebuilt once and read as they are.
+        if (!amountMoving && (!cachedAmountValid || a != cachedAmount))
             rebuildTimeRows (a);
 
         const uint32_t j = static_cast<uint32_t> (q);
@@ -303,12 +306,31 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
         // tc at least 0.015 while releasing: the pole's exponent at most this.
         const double limit = attacking ? std::numeric_limits<double>::infinity() : timeFactor / 0.015;
 
-        const double z1 = gr * timeA[j] + sign * exponentE1 * timeB[j];
-        const double z2 = gr * timeA[j2] + sign * exponentE2 * timeB[j2];
+        double a1, a2, b1, b2, c1, c2;
+        if (amountMoving)
+        {
+            const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
+            const uint32_t k = static_cast<uint32_t> (ac);
+            const uint32_t k2 = std::min (k + 1, lastRow);
+            const double f = ac - k, g = 1.0 - f;
+            a1 = Tables::timeA[k][j] * g + Tables::timeA[k2][j] * f;
+            a2 = Tables::timeA[k][j2] * g + Tables::timeA[k2][j2] * f;
+            b1 = Tables::timeB[k][j] * g + Tables::timeB[k2][j] * f;
+            b2 = Tables::timeB[k][j2] * g + Tables::timeB[k2][j2] * f;
+            c1 = Tables::timeC[k][j] * g + Tables::timeC[k2][j] * f;
+            c2 = Tables::timeC[k][j2] * g + Tables::timeC[k2][j2] * f;
+        }
+        else
+        {
+            a1 = timeA[j], a2 = timeA[j2], b1 = timeB[j], b2 = timeB[j2], c1 = timeC[j], c2 = timeC[j2];
+        }
+
+        const double z1 = gr * a1 + sign * exponentE1 * b1;
+        const double z2 = gr * a2 + sign * exponentE2 * b2;
         const double w1 = std::min (factor * std::exp (-z1), limit);
         const double w2 = std::min (factor * std::exp (-z2), limit);
-        const double target1 = std::max (0.0, timeC[j] * goalE1 + gr);
-        const double target2 = std::max (0.0, timeC[j2] * goalE2 + gr);
+        const double target1 = std::max (0.0, c1 * goalE1 + gr);
+        const double target2 = std::max (0.0, c2 * goalE2 + gr);
         const double y[2] = {poleExp (-w1) * (p - target1) + target1,
                              poleExp (-w2) * (p - target2) + target2};
         const double result = y[0] + (y[1] - y[0]) * r;
@@ -317,6 +339,9 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
         hist[window + i] = result;
         p = result;
     }
+
+    if (amountMoving)
+        cachedAmountValid = false;
 
     double* gain = gainBlock.channel (channel);
     vHVN_vMulC (hist + window, -1.0, gain, n);
