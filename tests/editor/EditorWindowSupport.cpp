@@ -1,5 +1,7 @@
 #include "editor/EditorWindowSupport.h"
 
+#include "editor/TRQControl.h"
+
 #include <cstdlib>
 
 namespace EditorWindowSupport
@@ -136,12 +138,40 @@ void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float de
     pump (20);
 }
 
-void key (TRQAudioProcessorEditor& editor, const juce::KeyPress& k)
+namespace
+{
+void ensureFocus (juce::Component* target)
+{
+    for (int attempt = 0; target != nullptr && attempt < 10 && !target->hasKeyboardFocus (false); ++attempt)
+    {
+        target->grabKeyboardFocus();
+        pump (5);
+    }
+}
+
+void deliver (TRQAudioProcessorEditor& editor, const juce::KeyPress& k)
 {
     juce::ModifierKeys::currentModifiers = k.getModifiers();
-    if (auto* peer = peerOf (editor))
+    if (auto* peer = editor.getPeer())
         peer->handleKeyPress (k);
     juce::ModifierKeys::currentModifiers = {};
+}
+} // namespace
+
+juce::Component* key (TRQAudioProcessorEditor& editor, const juce::KeyPress& k, juce::Component* target)
+{
+    ensureFocus (target);
+    deliver (editor, k);
+    auto* focused = juce::Component::getCurrentlyFocusedComponent();
     pump (20);
+    return focused;
+}
+
+juce::String typeText (TRQAudioProcessorEditor& editor, const juce::String& text, TRQControl& target)
+{
+    ensureFocus (&target);
+    for (auto ch : text)
+        deliver (editor, juce::KeyPress (ch, {}, ch));
+    return target.getTypedText();
 }
 } // namespace EditorWindowSupport

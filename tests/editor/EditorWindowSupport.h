@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class TRQControl;
+
 // An editor in a real top-level window, driven through its window peer the way the
 // operating system drives it, and photographed with the X server's screenshot.
 namespace EditorWindowSupport
@@ -40,5 +42,13 @@ void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce
 void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
-void key (TRQAudioProcessorEditor& editor, const juce::KeyPress& key);
+// A key to whatever has focus; with a target, that target is given the focus first
+// if it lost it (a bare X server may move the input focus between windows at any
+// time).
+// Returns the component that has the focus right after the key was handled.
+juce::Component* key (TRQAudioProcessorEditor& editor, const juce::KeyPress& key,
+                      juce::Component* target = nullptr);
+// Types the text into the target, key after key with nothing in between, and
+// returns what the target shows as typed before anything else can happen.
+juce::String typeText (TRQAudioProcessorEditor& editor, const juce::String& text, TRQControl& target);
 } // namespace EditorWindowSupport

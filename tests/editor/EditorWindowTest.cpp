@@ -16,6 +16,8 @@
 #include <iostream>
 #include <thread>
 
+#include <time.h>
+
 using namespace EditorWindowSupport;
 
 namespace
@@ -177,18 +179,15 @@ TEST_F (EditorWindow, ControlsTakeEveryInput)
     // Typed values, arrows and big steps.
     input.grabKeyboardFocus();
     pump (30);
-    for (auto ch : juce::String ("-6"))
-        key (editor, juce::KeyPress (ch, {}, ch));
-    EXPECT_EQ (input.getTypedText(), "-6");
-    key (editor, juce::KeyPress (juce::KeyPress::returnKey));
+    EXPECT_EQ (typeText (editor, "-6", input), "-6");
+    key (editor, juce::KeyPress (juce::KeyPress::returnKey), &input);
     EXPECT_NEAR (realOf (processor, 1), -6.0f, 0.01f);
-    key (editor, juce::KeyPress (juce::KeyPress::upKey));
+    key (editor, juce::KeyPress (juce::KeyPress::upKey), &input);
     EXPECT_NEAR (realOf (processor, 1), -5.5f, 0.01f);
-    key (editor, juce::KeyPress (juce::KeyPress::upKey, juce::ModifierKeys::shiftModifier, 0));
+    key (editor, juce::KeyPress (juce::KeyPress::upKey, juce::ModifierKeys::shiftModifier, 0), &input);
     EXPECT_NEAR (realOf (processor, 1), -3.0f, 0.01f);
-    for (auto ch : juce::String ("2k"))
-        key (editor, juce::KeyPress (ch, {}, ch));
-    key (editor, juce::KeyPress (juce::KeyPress::escapeKey));
+    EXPECT_EQ (typeText (editor, "2k", input), "2k");
+    key (editor, juce::KeyPress (juce::KeyPress::escapeKey), &input);
     EXPECT_NEAR (realOf (processor, 1), -3.0f, 0.01f);
     EXPECT_EQ (counter.begins, counter.ends);
 
@@ -196,25 +195,20 @@ TEST_F (EditorWindow, ControlsTakeEveryInput)
     std::vector<int> actions;
     editor.getGestures().onABAction = [&actions] (int a) { actions.push_back (a); };
     input.grabKeyboardFocus();
-    key (editor, juce::KeyPress ('a', {}, 'a'));
-    key (editor, juce::KeyPress ('A', juce::ModifierKeys::shiftModifier, 'A'));
+    key (editor, juce::KeyPress ('a', {}, 'a'), &input);
+    key (editor, juce::KeyPress ('A', juce::ModifierKeys::shiftModifier, 'A'), &input);
     EXPECT_EQ (actions, (std::vector<int>{0, 1}));
 
     // Tab walks the catalogue's order; the backtick walks back.
-    input.grabKeyboardFocus();
-    key (editor, juce::KeyPress (juce::KeyPress::tabKey));
-    EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), editor.getControl (2));
-    key (editor, juce::KeyPress ('`', {}, '`'));
-    EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), editor.getControl (1));
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), &input), editor.getControl (2));
+    EXPECT_EQ (key (editor, juce::KeyPress ('`', {}, '`'), editor.getControl (2)), editor.getControl (1));
     pump (100);
     save (capture (editor), "editor-focus-ring");
 
     // A digit picks a state of a switch; "1" and "0" both the first.
-    editor.getControl (11)->grabKeyboardFocus();
-    key (editor, juce::KeyPress ('3', {}, '3'));
+    key (editor, juce::KeyPress ('3', {}, '3'), editor.getControl (11));
     EXPECT_NEAR (realOf (processor, 11), 2.0f, 0.01f);
-    editor.getControl (11)->grabKeyboardFocus();
-    key (editor, juce::KeyPress ('0', {}, '0'));
+    key (editor, juce::KeyPress ('0', {}, '0'), editor.getControl (11));
     EXPECT_NEAR (realOf (processor, 11), 0.0f, 0.01f);
 
     // A click on an option of the stereo link selects it.
@@ -251,19 +245,18 @@ TEST_F (EditorWindow, TabSkipsTheClosedPane)
     auto opened = open (processor, prefs);
     auto& editor = *opened.editor;
     EXPECT_EQ (editor.getWidth(), 457);
-    editor.getControl (6)->grabKeyboardFocus(); // Master Mix, the last of the main pane
-    key (editor, juce::KeyPress (juce::KeyPress::tabKey));
-    EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), editor.getControl (0));
-    key (editor, juce::KeyPress (juce::KeyPress::tabKey));
-    EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), editor.getControl (1));
+    // From Master Mix, the last of the main pane, round to the power switch.
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), editor.getControl (6)),
+               editor.getControl (0));
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), editor.getControl (0)),
+               editor.getControl (1));
 
     // Opening the pane widens the window and stores the state with the project.
     editor.setAdvancedPaneOpen (true, false);
     EXPECT_EQ (editor.getWidth(), 793);
     EXPECT_EQ (processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute), "1");
-    editor.getControl (0)->grabKeyboardFocus();
-    key (editor, juce::KeyPress (juce::KeyPress::tabKey));
-    EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), editor.getControl (7));
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), editor.getControl (0)),
+               editor.getControl (7));
 }
 
 namespace
@@ -374,6 +367,27 @@ TEST_F (EditorWindow, MetersFollowTheMeterChannel)
     processor.releaseResources();
 }
 
+// With the real signal chain running on a sine, the meters move by themselves.
+TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    {
+        AudioRunner audio (processor);
+        pump (1500);
+        const auto shot = capture (editor);
+        save (shot, "editor-meters-audio");
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {67.0f, 265.0f})));
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {383.0f, 265.0f})));
+    }
+    processor.releaseResources();
+}
+
 // Opening and closing while audio runs: the audio thread never waits, and nothing
 // stays behind.
 TEST_F (EditorWindow, OpenAndCloseAHundredTimesWhileAudioRuns)
@@ -390,8 +404,32 @@ TEST_F (EditorWindow, OpenAndCloseAHundredTimesWhileAudioRuns)
         pump (50);
         EXPECT_GT (audio.blocks.load(), 100);
     }
+    // The last editor's meters let go of the channel when its context closed.
+    if (auto messaging = processor.getDSPInfo().meterMessaging)
+    {
+        for (uint32_t id = 0; id < MeterMessaging::meterCount; ++id)
+            EXPECT_FALSE (messaging->isEnabled (id));
+    }
     EXPECT_FALSE (TRQDrawing::isLoaded());
     EXPECT_EQ (juce::Desktop::getInstance().getNumComponents(), 0);
+}
+
+// A language and style change repaints the artwork in the new words at once.
+TEST_F (EditorWindow, LanguageAndStyleChangeWhileOpen)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    editor.setLanguage (TRQLanguage::Japanese);
+    editor.setDarkMode (1);
+    pump (300);
+    EXPECT_EQ (editor.getLayout().getLanguage(), TRQLanguage::Japanese);
+    EXPECT_EQ (editor.getLayout().getStyle(), 1);
+    EXPECT_EQ (prefs->getString ("Language", ""), "Japanese");
+    const auto shot = capture (editor);
+    save (shot, "editor-japanese-dark");
+    EXPECT_LT (brightness (pixelAt (shot, editor, {20.0f, 338.0f})), 0.3f);
 }
 
 // Not a timed test: prints what an idle editor costs, for the record.
@@ -411,6 +449,8 @@ TEST_F (EditorWindow, IdleCostIsMeasured)
         double timerTotal = 0.0, frameTotal = 0.0;
         const int ticks = 60;
         const auto cpuBefore = std::clock();
+        timespec threadBefore{}, threadAfter{};
+        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadBefore);
         const double wallBefore = juce::Time::getMillisecondCounterHiRes();
         for (int i = 0; i < ticks; ++i)
         {
@@ -420,9 +460,13 @@ TEST_F (EditorWindow, IdleCostIsMeasured)
         }
         const double wall = juce::Time::getMillisecondCounterHiRes() - wallBefore;
         const double cpu = 1000.0 * (double)(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
+        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadAfter);
+        const double messageCpu = (double)(threadAfter.tv_sec - threadBefore.tv_sec) * 1000.0 +
+                                  (double)(threadAfter.tv_nsec - threadBefore.tv_nsec) / 1.0e6;
         std::cout << "[perf] " << percent << " %: timer tick " << timerTotal / ticks << " ms, GL frame "
                   << frameTotal / ticks << " ms, frames/s "
-                  << (editor.getFramesRendered() - framesBefore) * 1000.0 / wall
-                  << ", process CPU (all threads) " << 100.0 * cpu / wall << " %\n";
+                  << (editor.getFramesRendered() - framesBefore) * 1000.0 / wall << ", message thread CPU "
+                  << 100.0 * messageCpu / wall << " %, process CPU (all threads) " << 100.0 * cpu / wall
+                  << " %\n";
     }
 }

@@ -125,3 +125,17 @@ TEST (TRQKeyboardFocusTraverser, TabOrderComesFromTheCatalogue)
     EXPECT_EQ (order[0], 1);   // Input Gain first
     EXPECT_EQ (order[20], 16); // HQ Mode last
 }
+
+TEST (TRQControl, DoubleClickEntryTakesFocusOnlyOnADoubleClick)
+{
+    TRQAudioProcessor processor;
+    RecordingGestures gestures (processor);
+    TRQSlider slider (2, processor.getAudioParameter (2), gestures);
+    slider.setBounds (79, 36, 79, 254);
+    slider.setDoubleClickKeyEntry (true);
+    EXPECT_FALSE (slider.getWantsKeyboardFocus());
+    slider.mouseDown (pressAt (slider, {39.0f, 30.0f}, {}, 2));
+    EXPECT_TRUE (slider.getWantsKeyboardFocus());
+    // The double-click neither moved the value nor opened a gesture.
+    EXPECT_EQ (gestures.log, "");
+}
