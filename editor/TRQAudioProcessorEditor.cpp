@@ -337,6 +337,7 @@ void TRQAudioProcessorEditor::setLanguage (TRQLanguage::Language language)
         if (control != nullptr)
             control->setLanguageAndStyle (shown, prefs.darkMode);
     backgroundDirty = true;
+    languageChanged.emit ((int)language);
 }
 
 void TRQAudioProcessorEditor::setMetering (int metering)

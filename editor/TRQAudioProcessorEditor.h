@@ -58,6 +58,9 @@ public:
     // The single path of a new parameter value (real units) into the interface.
     void parameterChanged (int index, float value, bool notifyManager);
 
+    // Fired after the panel took a new language.
+    TRQSignals::Signal<void (int)> languageChanged;
+
     void setDarkMode (int mode);
     void setLanguage (TRQLanguage::Language language);
     void setUserScale (int percent);
