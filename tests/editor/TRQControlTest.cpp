@@ -139,3 +139,39 @@ TEST (TRQControl, DoubleClickEntryTakesFocusOnlyOnADoubleClick)
     // The double-click neither moved the value nor opened a gesture.
     EXPECT_EQ (gestures.log, "");
 }
+
+TEST (TRQSlider, CtrlDragMovesOneFineStepPerThreeStepLengths)
+{
+    TRQAudioProcessor processor;
+    RecordingGestures gestures (processor);
+    TRQSlider slider (1, processor.getAudioParameter (1), gestures);
+    slider.setBounds (0, 36, 79, 254);
+    const auto thumb = slider.thumbCentreFor (slider.getNormalisedValue());
+    const juce::ModifierKeys ctrl (juce::ModifierKeys::ctrlModifier);
+    slider.mouseDown (pressAt (slider, thumb, ctrl));
+    // A step of 0.1 dB covers less than a unit of the track, so each step takes
+    // three units: thirty units up are ten steps.
+    slider.mouseDrag (pressAt (slider, thumb + juce::Point<float> (0.0f, -30.0f), ctrl));
+    EXPECT_NEAR (processor.getAudioParameter (1).getRealValue(), 1.0f, 1e-4f);
+    slider.mouseUp (pressAt (slider, thumb, {}));
+
+    // The plain law: the whole track is the whole range.
+    const auto from = slider.thumbCentreFor (toNormalised (1, 1.0f));
+    slider.mouseDown (pressAt (slider, from, {}));
+    slider.mouseDrag (pressAt (slider, from + juce::Point<float> (0.0f, 218.0f / 36.0f * 5.0f), {}));
+    EXPECT_NEAR (processor.getAudioParameter (1).getRealValue(), -4.0f, 1e-4f);
+    slider.mouseUp (pressAt (slider, from, {}));
+    EXPECT_EQ (gestures.log, "b1e1b1e1");
+}
+
+TEST (TRQSlider, TheSmallestWheelMotionMovesOneStep)
+{
+    TRQAudioProcessor processor;
+    RecordingGestures gestures (processor);
+    TRQSlider slider (4, processor.getAudioParameter (4), gestures);
+    const float before = processor.getAudioParameter (4).getRealValue();
+    juce::MouseWheelDetails wheel{0.0f, 0.001f, false, false, false};
+    slider.mouseWheelMove (pressAt (slider, {10.0f, 10.0f}, {}), wheel);
+    EXPECT_FLOAT_EQ (processor.getAudioParameter (4).getRealValue(), before + 1.0f);
+    EXPECT_EQ (gestures.log, "b4e4");
+}

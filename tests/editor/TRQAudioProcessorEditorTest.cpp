@@ -1,0 +1,111 @@
+#include "editor/TRQAudioProcessorEditor.h"
+#include "core/ProcessorTestSupport.h"
+#include "editor/TRQControl.h"
+#include "state/TRQAudioParameter.h"
+
+#include <gtest/gtest.h>
+
+// The editor off screen: sizes, panes, preferences and the single value path. No
+// display is needed; the window tests cover what only a window shows.
+namespace
+{
+std::unique_ptr<TRQAudioProcessorEditor> makeEditor (TRQAudioProcessor& processor,
+                                                     std::shared_ptr<TRQMemoryPreferenceSource> prefs)
+{
+    return std::make_unique<TRQAudioProcessorEditor> (processor, prefs);
+}
+} // namespace
+
+TEST (TRQAudioProcessorEditor, SizesFollowPaneAndScale)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    processor->getPluginState().setAdvancedPaneIsOpen (false);
+    auto editor = makeEditor (*processor, prefs);
+    EXPECT_EQ (editor->getWidth(), 457);
+    EXPECT_EQ (editor->getHeight(), 380);
+    editor->setAdvancedPaneOpen (true, false);
+    EXPECT_EQ (editor->getWidth(), 793);
+    EXPECT_EQ (processor->getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute), "1");
+
+    // The host's corner dragged to almost nothing stops at 80 %, and the choice is kept.
+    editor->applyBoundsToComponent (*editor, {0, 0, 20, 10});
+    EXPECT_EQ (editor->getWidth(), 634);
+    EXPECT_EQ (prefs->getInt ("UIScale", 0), 80);
+    editor->setUserScale (200);
+    EXPECT_EQ (editor->getWidth(), 1586);
+    EXPECT_EQ (editor->getHeight(), 760);
+    EXPECT_FLOAT_EQ (editor->getUIScaleFactor(), 2.0f);
+
+    // The host's scale multiplies in; the canvas transform carries both.
+    editor->setUserScale (100);
+    editor->setScaleFactor (1.5f);
+    EXPECT_EQ (editor->getWidth(), (int)(1.5f * 793.0f));
+    EXPECT_NEAR (editor->getRoot().getTransform().mat00, 1.5f, 1e-3f);
+}
+
+TEST (TRQAudioProcessorEditor, AAXKeepsItsMinimumWidth)
+{
+    auto processor = ProcessorTestSupport::make (2, 2, 2, true);
+    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    prefs->setInt ("UIScale", 80);
+    processor->getPluginState().setAdvancedPaneIsOpen (false);
+    auto editor = makeEditor (*processor, prefs);
+    EXPECT_EQ (editor->getWidth(), 453);
+    EXPECT_EQ (editor->getHeight(), (int)std::floor (453.0f / 457.0f * 380.0f));
+}
+
+TEST (TRQAudioProcessorEditor, AlwaysOpenPreferenceBeatsTheStoredState)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    prefs->setInt ("AlwaysOpenAdvPane", 1);
+    processor->getPluginState().setAdvancedPaneIsOpen (false);
+    auto editor = makeEditor (*processor, prefs);
+    EXPECT_TRUE (editor->isAdvancedPaneOpen());
+    EXPECT_EQ (editor->getWidth(), 793);
+}
+
+TEST (TRQAudioProcessorEditor, HostValuesReachControlsThroughTheTimer)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    auto& power = processor->getAudioParameter (0);
+    power.setValueNotifyingHost (0.0f);
+    editor->tick();
+    EXPECT_FLOAT_EQ (editor->getControl (0)->getNormalisedValue(), 0.0f);
+    EXPECT_TRUE (editor->getControl (5)->isDisabledByDependency());
+    // Power has no lock; the rest dim with it.
+    power.setValueNotifyingHost (1.0f);
+    editor->tick();
+    EXPECT_FALSE (editor->getControl (5)->isDisabledByDependency());
+    EXPECT_THROW (editor->parameterChanged (21, 0.0f, true), std::out_of_range);
+}
+
+TEST (TRQAudioProcessorEditor, HostShortcutsSeeControlsOnly)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    EXPECT_EQ (editor->getControlParameterIndex (*editor->getControl (17)), 17);
+    EXPECT_EQ (editor->getControlParameterIndex (editor->getLayout()), -1);
+}
+
+TEST (TRQAudioProcessorEditor, DarkModeAndLanguageAreStored)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    {
+        auto editor = makeEditor (*processor, prefs);
+        int signalled = -1;
+        TRQSignals::Trackable listener;
+        editor->languageChanged.connect (&listener, [&signalled] (int l) { signalled = l; });
+        editor->setDarkMode (1);
+        editor->setLanguage (TRQLanguage::Asemic);
+        EXPECT_EQ (signalled, (int)TRQLanguage::Asemic);
+        // Asemic shows the English panel.
+        EXPECT_EQ (editor->getLayout().getLanguage(), TRQLanguage::English);
+    }
+    auto next = makeEditor (*processor, prefs);
+    EXPECT_EQ (next->getLayout().getStyle(), 1);
+    EXPECT_EQ (next->getPreferences().language, TRQLanguage::Asemic);
+}
