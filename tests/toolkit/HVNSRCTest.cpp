@@ -228,11 +228,11 @@ TEST (HVNSRC, OutputIsTheAnalyticSineShiftedByTheLatencyAcrossTheWraps)
                           Case{48000.0, 192000.0, 256}, Case{192000.0, 48000.0, 1000}})
     {
         SCOPED_TRACE (std::to_string (c.source) + " to " + std::to_string (c.dest));
-        HVNSRC src (c.source, c.block, c.dest, 2);
+        HVNSRC src (c.source, c.block, c.dest, 3);
         const Tones tones{{997.0, 5003.0}, 0.45};
         const auto length = static_cast<size_t> (2.5 * c.source);
         const auto x = render (tones, c.source, length);
-        const auto y = convert (src, {x, x}, {c.block, c.block / 3, 1});
+        const auto y = convert (src, {x, x, x}, {c.block, c.block / 3, 1});
 
         const auto expected = render (tones, c.dest, y[0].size(), src.getLatency());
         const auto settled = static_cast<size_t> (src.getLatency() * 2 + 64);
@@ -241,6 +241,7 @@ TEST (HVNSRC, OutputIsTheAnalyticSineShiftedByTheLatencyAcrossTheWraps)
         {
             worst = std::max (worst, std::abs (static_cast<double> (y[0][i]) - expected[i]));
             ASSERT_EQ (y[0][i], y[1][i]) << "the two channels of a pair are one computation";
+            ASSERT_NEAR (y[2][i], y[0][i], 1e-6f) << "a channel without a pair";
         }
         EXPECT_LT (dB (worst / 0.9), -100.0);
     }
@@ -281,6 +282,26 @@ TEST (HVNSRC, UpConversionKeepsThePassbandFlatAndTheImagesDown)
         }
         EXPECT_LT (worstRipple, 0.01);
         EXPECT_LT (worstImage, -120.0);
+    }
+}
+
+TEST (HVNSRC, DownConversionKeepsWhatLiesAboveTheNewBandOutOfIt)
+{
+    for (double rate : {44100.0, 48000.0})
+    {
+        SCOPED_TRACE (rate);
+        HVNSRC down (4 * rate, 1024, rate, 1);
+        // Content of the fast rate above 1.2 times the new Nyquist frequency, as
+        // the chain's harmonics would be; on whole cycles of a 0.5 s window.
+        const Tones tones{{1.2 * rate / 2, 0.8 * rate, 1.3 * rate, 1.9 * rate}, 0.2};
+        const auto x = render (tones, 4 * rate, 2 * static_cast<size_t> (4 * rate));
+        const auto y = convert (down, {x}, {1024})[0];
+        const auto window = static_cast<size_t> (rate / 2);
+        for (double f : tones.frequencies)
+        {
+            const double alias = std::abs (f - rate * std::round (f / rate));
+            EXPECT_LT (dB (amplitudeAt (y, window, 2 * window, alias, rate) / tones.amplitude), -120.0) << f;
+        }
     }
 }
 
