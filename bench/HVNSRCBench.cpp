@@ -2,6 +2,7 @@
 // high quality), stereo, 48 kHz up to 192 kHz and back, reported per output frame
 // with each one's latency; and the whole plug-in in HQ mode at 48 kHz stereo.
 #include "core/TRQAudioProcessor.h"
+#include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNSRC.h"
 
 #include <benchmark/benchmark.h>
@@ -52,6 +53,7 @@ void hvnsrc (benchmark::State& state)
         benchmark::DoNotOptimize (out.channel (0));
     }
     report (state, frames, src.getLatency() / to * 1000.0);
+    state.SetLabel (HVNSIMD::name (HVNSIMD::selected()));
 }
 
 struct Soxr
