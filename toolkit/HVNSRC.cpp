@@ -95,7 +95,7 @@ int HVNSRC::setup (double source, uint32_t& maxSource, double dest, uint32_t num
 
     mode = r > 1.0 ? 1 : 2;
     ratio = r > 1.0 ? r : 1.0 / r;
-    // The ratio of two whole rates is exact in double when it is a whole number.
+    // Of two whole rates, the ratio is whole exactly when one divides the other.
     const auto a = static_cast<uint32_t> (sourceRate), b = static_cast<uint32_t> (destRate);
     fractional = std::max (a, b) % std::min (a, b) != 0;
     if (fractional)
