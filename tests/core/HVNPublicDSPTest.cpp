@@ -63,6 +63,10 @@ TEST (HVNPublicDSP, ConstructionKeepsTheWantedModeAndTheLongerLatencyForBypass)
 
     Rig fast (block, 192000.0, 2, 2, false);
     EXPECT_EQ (fast.dsp->getUpsampleFactor(), 2u);
+    Rig edge (block, 96000.0, 2, 2, false), past (block, 96001.0, 2, 2, false);
+    EXPECT_EQ (edge.dsp->getUpsampleFactor(), 4u);
+    EXPECT_EQ (past.dsp->getUpsampleFactor(), 2u);
+    EXPECT_GT (past.dsp->getConverterLatency(), 0.0) << "96001 Hz converts to 192002 Hz";
 }
 
 TEST (HVNPublicDSP, FirstDeliveryOfTheSameModeDisposesOfTheSpare)
