@@ -127,6 +127,16 @@ TRQAudioProcessorEditor::~TRQAudioProcessorEditor()
     juce::Desktop::getInstance().removeFocusChangeListener (this);
     stopTimer();
     openGLContext.detach();
+    // Take the controls down while the editor is whole: a focused control that goes
+    // away hands the focus up to us, and our traverser walks the controls.
+    if (auto* focused = juce::Component::getCurrentlyFocusedComponent();
+        focused != nullptr && isParentOf (focused))
+        focused->giveAwayKeyboardFocus();
+    for (auto* pane : {&mainPane, &centrePane, &advancedPane})
+        pane->removeAllChildren();
+    root.removeAllChildren();
+    removeAllChildren();
+    controls.clear();
     setLookAndFeel (nullptr);
     if (&juce::LookAndFeel::getDefaultLookAndFeel() == &lookAndFeel)
         juce::LookAndFeel::setDefaultLookAndFeel (nullptr);
@@ -247,6 +257,8 @@ int TRQAudioProcessorEditor::getControlParameterIndex (juce::Component& componen
 
 std::unique_ptr<juce::ComponentTraverser> TRQAudioProcessorEditor::createKeyboardFocusTraverser()
 {
+    if (controls.empty())
+        return juce::Component::createKeyboardFocusTraverser();
     return std::make_unique<TRQKeyboardFocusTraverser> (controls, [this] { return advancedPaneOpen; });
 }
 

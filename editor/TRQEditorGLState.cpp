@@ -14,6 +14,8 @@ TRQEditorGLState::TRQEditorGLState (juce::OpenGLContext& c)
     , createdMs (juce::Time::getMillisecondCounterHiRes())
 {
     focusParameter.value.store (-1);
+    // The controls hand over rings already grown by their own outsets.
+    ring.outset = 0.0f;
 }
 
 TRQEditorGLState::~TRQEditorGLState() = default;

@@ -22,16 +22,55 @@ TRQSlider::TRQSlider (int index, TRQAudioParameter& p, TRQParameterGestures& g, 
 void TRQSlider::rebuildDrawing()
 {
     if (sliderMode != 2)
+    {
         trackList = drawing.trackList (parameterIndex, style);
+        findTrackLine();
+    }
     TRQControl::rebuildDrawing();
+}
+
+void TRQSlider::findTrackLine()
+{
+    // The thumb rides on the ruler's long line, wherever the artwork put it in the
+    // track's frame: the longest straight run along the slider's axis.
+    float longest = 0.0f;
+    for (const auto& element : trackList.elements)
+    {
+        juce::Path::Iterator it (element.path);
+        juce::Point<float> last;
+        while (it.next())
+        {
+            const juce::Point<float> p (it.x1, it.y1);
+            if (it.elementType == juce::Path::Iterator::lineTo)
+            {
+                const float along = row.horizontal ? std::abs (p.x - last.x) : std::abs (p.y - last.y);
+                const float across = row.horizontal ? std::abs (p.y - last.y) : std::abs (p.x - last.x);
+                if (across < 0.01f && along > longest)
+                {
+                    longest = along;
+                    trackLine = row.horizontal ? p.y : p.x;
+                }
+            }
+            if (it.elementType != juce::Path::Iterator::closePath)
+                last = p;
+        }
+    }
+    // Half the track's length at least, or the artwork has no ruler to follow.
+    hasTrackLine = longest > 0.5f * (row.horizontal ? row.innerFrame.width : row.innerFrame.height);
+    if (hasTrackLine && !row.horizontal)
+    {
+        // Keep the thumb inside the control, so that its neighbours don't cut it.
+        const float room = std::min (trackLine, row.frame.width - trackLine);
+        thumbAcross = std::min (46.0f, 2.0f * room - 2.0f);
+    }
 }
 
 juce::Point<float> TRQSlider::thumbCentreFor (float n) const
 {
     const auto& t = row.innerFrame;
     if (row.horizontal)
-        return {n * t.width + t.x, t.y + t.height * 0.5f};
-    return {t.x + t.width * 0.5f, (1.0f - n) * t.height + t.y};
+        return {n * t.width + t.x, hasTrackLine ? trackLine : t.y + t.height * 0.5f};
+    return {hasTrackLine ? trackLine : t.x + t.width * 0.5f, (1.0f - n) * t.height + t.y};
 }
 
 juce::Rectangle<float> TRQSlider::thumbBounds() const

@@ -33,6 +33,7 @@ protected:
 
 private:
     float trackLength() const;
+    void findTrackLine();
     float axisPosition (juce::Point<float> p) const;
 
     const int sliderMode;
@@ -42,4 +43,6 @@ private:
     juce::Point<float> lastPos;
     juce::Image shadowCache;
     float thumbAcross = 40.0f;
+    float trackLine = 0.0f;
+    bool hasTrackLine = false;
 };
