@@ -9,6 +9,11 @@ juce::String takeValue (const juce::StringArray& args, int& i, const juce::Strin
     return args[++i];
 }
 
+juce::File takeFile (const juce::StringArray& args, int& i, const juce::String& option)
+{
+    return juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, option));
+}
+
 int parsePositiveInt (const juce::String& text, const juce::String& option, int low, int high)
 {
     if (!text.containsOnly ("0123456789") || text.isEmpty())
@@ -47,8 +52,19 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
         else if (arg == "--rate")
             options.demoRate = parsePositiveInt (takeValue (args, i, arg), arg, 8000, 768000);
         else if (arg == "--sidechain")
-            options.sidechain =
-                juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, arg));
+            options.sidechain = takeFile (args, i, arg);
+        else if (arg == "--state")
+            options.state = takeFile (args, i, arg);
+        else if (arg == "--save-state")
+            options.saveState = takeFile (args, i, arg);
+        else if (arg == "--preset")
+            options.preset = takeValue (args, i, arg);
+        else if (arg == "--url")
+            options.url = takeValue (args, i, arg);
+        else if (arg == "--user-presets")
+            options.userPresets = takeFile (args, i, arg);
+        else if (arg == "--factory-presets")
+            options.factoryPresets = takeFile (args, i, arg);
         else if (arg == "--bypass")
             options.bypass = true;
         else if (arg == "--json")
@@ -74,6 +90,8 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
 
 juce::String RenderOptions::usage()
 {
-    return "usage: zolk-render [--set NAME=VALUE]... [--hq] [--block N] [--random-blocks] [--rate HZ]\n"
-           "                   [--sidechain FILE.wav] [--bypass] [--json] [INPUT.wav] OUTPUT.wav";
+    return "usage: zolk-render [--state FILE] [--preset NAME] [--url URL] [--set NAME=VALUE]... [--hq]\n"
+           "                   [--block N] [--random-blocks] [--rate HZ] [--sidechain FILE.wav] [--bypass]\n"
+           "                   [--save-state FILE] [--user-presets FILE] [--factory-presets FILE]\n"
+           "                   [--json] [INPUT.wav] OUTPUT.wav";
 }

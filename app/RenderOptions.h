@@ -22,7 +22,13 @@ struct RenderOptions
     juce::File input; // none: render the built-in demo
     juce::File output;
     juce::File sidechain;                                        // none: the sidechain bus carries silence
+    juce::File state;                                            // a saved state to restore first
+    juce::String preset;                                         // a preset's name or uuid
+    juce::String url;                                            // settings as a preset URL
     std::vector<std::pair<juce::String, juce::String>> settings; // parameter, value in real units
+    juce::File saveState;                                        // where to write the state after the render
+    juce::File userPresets;                                      // none: the standard user preset file
+    juce::File factoryPresets;                                   // none: the standard factory preset file
     int blockSize = 512;
     bool randomBlocks = false;
     double demoRate = 48000.0;

@@ -1,6 +1,10 @@
 #include "app/RenderSession.h"
 
 #include "app/DemoSignal.h"
+#include "core/TRQAudioProcessor.h"
+#include "presets/TRQPresetController.h"
+#include "presets/TRQPresetFiles.h"
+#include "presets/TRQPresetURL.h"
 
 #include <chrono>
 
@@ -35,6 +39,41 @@ private:
     bool random;
     juce::Random generator{12345};
 };
+
+// Points preset reading at the files given for the length of a render.
+class ScopedPresetFiles
+{
+public:
+    explicit ScopedPresetFiles (const RenderOptions& options)
+        : previous (TRQPresetFiles::locations())
+    {
+        auto where = previous;
+        if (options.userPresets != juce::File())
+            where.user = options.userPresets;
+        if (options.factoryPresets != juce::File())
+            where.factory = options.factoryPresets;
+        TRQPresetFiles::setLocations (where);
+    }
+    ~ScopedPresetFiles() { TRQPresetFiles::setLocations (previous); }
+
+private:
+    TRQPresetFiles::Locations previous;
+};
+
+// Written beside the target and moved into place, so a failed write never leaves a
+// partial file under the requested name.
+template<typename Write>
+void writeAtomically (const juce::File& file, Write&& write)
+{
+    juce::TemporaryFile temporary (file);
+    {
+        auto stream = temporary.getFile().createOutputStream();
+        if (stream == nullptr || !write (std::move (stream)))
+            throw RenderUsageError ("cannot write output " + file.getFullPathName());
+    }
+    if (!temporary.overwriteTargetFileWithTemporary())
+        throw RenderUsageError ("cannot write output " + file.getFullPathName());
+}
 } // namespace
 
 RenderSession::RenderSession (RenderOptions o)
@@ -107,26 +146,54 @@ RenderSession::Audio RenderSession::readWav (const juce::File& file, const juce:
 void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio,
                               double sampleRate)
 {
-    // Written beside the target and moved into place, so a failed render never
-    // leaves a partial file under the requested name.
-    juce::TemporaryFile temporary (file);
-    {
-        auto stream = temporary.getFile().createOutputStream();
-        if (stream == nullptr)
-            throw RenderUsageError ("cannot write output " + file.getFullPathName());
+    writeAtomically (file,
+                     [&] (std::unique_ptr<juce::FileOutputStream> stream)
+                     {
+                         juce::WavAudioFormat wav;
+                         std::unique_ptr<juce::AudioFormatWriter> writer (
+                             wav.createWriterFor (stream.get(), sampleRate,
+                                                  static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
+                         if (writer == nullptr)
+                             return false;
+                         stream.release();
+                         // A 32-bit WAV writer takes float samples when the format says so.
+                         return writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
+                     });
+}
 
-        juce::WavAudioFormat wav;
-        std::unique_ptr<juce::AudioFormatWriter> writer (wav.createWriterFor (
-            stream.get(), sampleRate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
-        if (writer == nullptr)
-            throw RenderUsageError ("cannot write output " + file.getFullPathName());
-        stream.release();
+void RenderSession::restoreState (TRQAudioProcessor& processor, const juce::File& file)
+{
+    juce::MemoryBlock chunk;
+    if (!file.existsAsFile() || !file.loadFileAsData (chunk))
+        throw RenderUsageError ("cannot read state " + file.getFullPathName() + ": no such file");
+    processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
 
-        // A 32-bit WAV writer takes float samples when the format says so.
-        writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
-    }
-    if (!temporary.overwriteTargetFileWithTemporary())
-        throw RenderUsageError ("cannot write output " + file.getFullPathName());
+    // The selection follows the restored state, and is marked modified where the
+    // restored values differ from the preset.
+    auto controller = processor.getPresetController();
+    controller->reload();
+    controller->updateModified ({}, {});
+}
+
+void RenderSession::saveState (TRQAudioProcessor& processor, const juce::File& file)
+{
+    juce::MemoryBlock chunk;
+    processor.getStateInformation (chunk);
+    writeAtomically (file, [&] (std::unique_ptr<juce::FileOutputStream> stream)
+                     { return stream->write (chunk.getData(), chunk.getSize()); });
+}
+
+void RenderSession::applyPreset (TRQAudioProcessor& processor, const juce::String& nameOrUuid)
+{
+    auto controller = processor.getPresetController();
+    auto index = controller->indexOfUuid (nameOrUuid);
+    const auto& presets = controller->getPresets();
+    for (std::uint32_t i = 0; i < presets.size() && !index; ++i)
+        if (presets[i].name == nameOrUuid)
+            index = i;
+    if (!index)
+        throw RenderUsageError ("unknown preset \"" + nameOrUuid + "\"");
+    controller->selectPreset (index.value, true, true);
 }
 
 RenderReport RenderSession::run()
@@ -159,7 +226,9 @@ RenderReport RenderSession::run()
     if (scs != ins && scs != 1)
         throw RenderUsageError ("a sidechain must have 1 channel or as many as the input");
 
+    const ScopedPresetFiles presetFiles (options);
     std::unique_ptr<juce::AudioProcessor> processor (createPluginFilter());
+    auto& plugin = dynamic_cast<TRQAudioProcessor&> (*processor);
 
     juce::AudioProcessor::BusesLayout layout;
     layout.inputBuses.add (channelSet (ins));
@@ -167,7 +236,17 @@ RenderReport RenderSession::run()
     layout.outputBuses.add (channelSet (outs));
     if (!processor->setBusesLayout (layout))
         throw RenderUsageError ("the plug-in refuses " + juce::String (ins) + " input channels");
+    // Presets are offered by layout: read the list again for this one.
+    plugin.getPresetController()->reload();
 
+    // From the broadest to the most particular: a whole state, a preset, a URL, then
+    // single parameters.
+    if (options.state != juce::File())
+        restoreState (plugin, options.state);
+    if (options.preset.isNotEmpty())
+        applyPreset (plugin, options.preset);
+    if (options.url.isNotEmpty())
+        TRQPresetURL::pasteSettings (plugin, options.url);
     for (const auto& [name, value] : options.settings)
         applySetting (*processor, name, value);
 
@@ -214,6 +293,11 @@ RenderReport RenderSession::run()
 
     processor->releaseResources();
     writeWav (options.output, output, rate);
+    if (options.saveState != juce::File())
+        saveState (plugin, options.saveState);
+
+    auto controller = plugin.getPresetController();
+    controller->updateModified ({}, {});
 
     RenderReport report;
     report.latencySamples = latency;
@@ -224,5 +308,9 @@ RenderReport RenderSession::run()
     report.outputPeakDb = RenderReport::peakDb (output);
     report.outputRmsDb = RenderReport::rmsDb (output);
     report.realtimeFactor = elapsed > 0.0 ? (total / rate) / elapsed : 0.0;
+    if (const auto selected = controller->getPreset (controller->getCurrentPresetIndex()))
+        report.preset = selected.value.name;
+    report.presetModified = controller->getIsModified();
+    report.settingsUrl = TRQPresetURL::settingsAsUrl (plugin);
     return report;
 }

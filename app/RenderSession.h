@@ -3,6 +3,8 @@
 #include "app/RenderOptions.h"
 #include "app/RenderReport.h"
 
+class TRQAudioProcessor;
+
 #include <juce_audio_formats/juce_audio_formats.h>
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -25,6 +27,10 @@ public:
     static void applySetting (juce::AudioProcessor& processor, const juce::String& name,
                               const juce::String& value);
 
+    // Selects a preset by its uuid or, failing that, by its name, applying it as a
+    // click in the preset browser does.
+    static void applyPreset (TRQAudioProcessor& processor, const juce::String& nameOrUuid);
+
 private:
     struct Audio
     {
@@ -34,6 +40,8 @@ private:
 
     static Audio readWav (const juce::File& file, const juce::String& role);
     static void writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, double sampleRate);
+    static void restoreState (TRQAudioProcessor& processor, const juce::File& file);
+    static void saveState (TRQAudioProcessor& processor, const juce::File& file);
 
     RenderOptions options;
 };

@@ -13,6 +13,9 @@
 class HVNPublicDSP;
 class MeterMessaging;
 class TRQAudioParameter;
+class TRQParameterManager;
+class TRQPresetController;
+class TRQUndoManager;
 
 // The object the host sees. It computes nothing on audio itself: per block it moves
 // parameter values, transport and the host's buffers across to the DSP host and
@@ -69,7 +72,14 @@ public:
     bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
 
     TRQAudioParameter& getParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
+    // The parameter of index, or nullptr for an index out of range and while the
+    // constructor has not made the parameters yet.
+    TRQAudioParameter* findParameter (int index) const;
     TRQPluginState& getPluginState() { return pluginState; }
+    const TRQPluginState& getPluginState() const { return pluginState; }
+    TRQUndoManager& getUndoManager() const { return *undoManager; }
+    TRQParameterManager& getParameterManager() const { return *parameterManager; }
+    std::shared_ptr<TRQPresetController> getPresetController() const { return presetController; }
     std::shared_ptr<HVNPublicDSP> getDSP() const { return dsp; }
     bool getStateHasBeenSet() const { return stateHasBeenSet != 0; }
 
@@ -99,6 +109,7 @@ private:
     void updateLatency();
     void applyLayoutDefaults (int ins, int outs);
     void setDefaultParameterValues();
+    void refreshPresetDefaults();
     bool isAAX() const { return wrapperType == wrapperType_AAX; }
 
     std::shared_ptr<HVNPublicDSP> dsp;
@@ -108,6 +119,9 @@ private:
     std::array<TRQAudioParameter*, numParameters> parameters{};
     std::vector<juce::AudioProcessorParameter*> meterParameters;
     TRQPluginState pluginState;
+    std::unique_ptr<TRQUndoManager> undoManager;
+    std::unique_ptr<TRQParameterManager> parameterManager;
+    std::shared_ptr<TRQPresetController> presetController;
 
     DSPInfo dspInfo;
     TransportInfo transportInfo;

@@ -1,5 +1,6 @@
 #include "app/RenderSession.h"
 #include "app/DemoSignal.h"
+#include "support/PresetFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -157,4 +158,63 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     json.waitForProcessToFinish (60000);
     EXPECT_EQ (json.getExitCode(), 0u);
     EXPECT_EQ (static_cast<int> (report["sample_rate"]), 44100);
+}
+
+TEST (RenderSession, StartsFromAPresetAURLAndASavedState)
+{
+    TempFolder tmp;
+    const auto factory = tmp / "factory.json";
+    PresetFolder::write (
+        factory, {PresetFolder::section ("F", {PresetFolder::fullPreset ("Plain", "f-0"),
+                                               PresetFolder::fullPreset ("Squeeze", "f-1", {{2, 90.0f}})})});
+    const auto base = juce::StringArray{"--factory-presets", factory.getFullPathName(),
+                                        "--user-presets",    (tmp / "user.json").getFullPathName(),
+                                        "--block",           "64"};
+    const auto state = tmp / "squeeze.state";
+
+    auto args = base;
+    args.addArray ({"--preset", "Squeeze", "--set", "OutputGain=-2", "--save-state", state.getFullPathName(),
+                    (tmp / "a.wav").getFullPathName()});
+    auto report = render (args);
+    EXPECT_EQ (report.preset, "Squeeze");
+    EXPECT_TRUE (report.presetModified);
+    EXPECT_TRUE (report.settingsUrl.endsWith ("/zolk-comp/3.5.0?cm=90&out=-2")) << report.settingsUrl;
+    ASSERT_TRUE (state.existsAsFile());
+    EXPECT_FALSE ((tmp / "user.json").exists()) << "presets are read, never written";
+
+    args = base;
+    args.addArray ({"--state", state.getFullPathName(), (tmp / "b.wav").getFullPathName()});
+    report = render (args);
+    EXPECT_EQ (report.preset, "Squeeze") << "the state remembers its preset";
+    EXPECT_TRUE (report.presetModified);
+    EXPECT_TRUE (report.settingsUrl.endsWith ("?cm=90&out=-2"));
+
+    args = base;
+    args.addArray ({"--preset", "f-1", "--url", "?cm=20&wf=40", (tmp / "c.wav").getFullPathName()});
+    report = render (args);
+    EXPECT_TRUE (report.settingsUrl.endsWith ("?cm=20&wf=40"))
+        << "a URL sets everything it doesn't name to default";
+
+    args = base;
+    args.add ((tmp / "d.wav").getFullPathName());
+    report = render (args);
+    EXPECT_EQ (report.preset, "Plain");
+    EXPECT_FALSE (report.presetModified);
+    EXPECT_TRUE (report.settingsUrl.endsWith ("/3.5.0"));
+
+    const auto json = juce::JSON::parse (report.toJson());
+    EXPECT_EQ (json["preset"].toString(), "Plain");
+    EXPECT_FALSE (static_cast<bool> (json["preset_modified"]));
+    EXPECT_EQ (json["settings_url"].toString(), report.settingsUrl);
+}
+
+TEST (RenderSession, RefusesAnUnknownPresetOrAMissingState)
+{
+    TempFolder tmp;
+    const auto out = tmp / "out.wav";
+    EXPECT_THROW (render ({"--preset", "Nothing Like It", out.getFullPathName()}), RenderUsageError);
+    EXPECT_THROW (render ({"--state", (tmp / "none.state").getFullPathName(), out.getFullPathName()}),
+                  RenderUsageError);
+    EXPECT_THROW (render ({"--url", out.getFullPathName()}), RenderUsageError) << "the URL is missing";
+    EXPECT_FALSE (out.exists());
 }
