@@ -53,18 +53,14 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
             options.demoRate = parsePositiveInt (takeValue (args, i, arg), arg, 8000, 768000);
         else if (arg == "--sidechain")
             options.sidechain = takeFile (args, i, arg);
-        else if (arg == "--state")
-            options.state = takeFile (args, i, arg);
-        else if (arg == "--save-state")
-            options.saveState = takeFile (args, i, arg);
+        else if (arg == "--state-in")
+            options.stateIn = takeFile (args, i, arg);
+        else if (arg == "--state-out")
+            options.stateOut = takeFile (args, i, arg);
         else if (arg == "--preset")
             options.preset = takeValue (args, i, arg);
-        else if (arg == "--url")
-            options.url = takeValue (args, i, arg);
-        else if (arg == "--user-presets")
-            options.userPresets = takeFile (args, i, arg);
-        else if (arg == "--factory-presets")
-            options.factoryPresets = takeFile (args, i, arg);
+        else if (arg == "--list-presets")
+            options.listPresets = true;
         else if (arg == "--bypass")
             options.bypass = true;
         else if (arg == "--json")
@@ -75,12 +71,22 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
             files.add (arg);
     }
 
-    if (files.isEmpty())
+    if (files.isEmpty() && !options.listPresets)
         throw RenderUsageError ("no output file given");
     if (files.size() > 2)
         throw RenderUsageError ("too many files: " + files.joinIntoString (" "));
 
+    // Listing presets renders nothing: a single file is the input whose layout chooses
+    // the presets on offer.
     const auto cwd = juce::File::getCurrentWorkingDirectory();
+    if (options.listPresets)
+    {
+        if (files.size() > 1)
+            throw RenderUsageError ("--list-presets takes at most an input file");
+        if (files.size() == 1)
+            options.input = cwd.getChildFile (files[0]);
+        return options;
+    }
     options.output = cwd.getChildFile (files[files.size() - 1]);
     if (files.size() == 2)
         options.input = cwd.getChildFile (files[0]);
@@ -90,8 +96,8 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
 
 juce::String RenderOptions::usage()
 {
-    return "usage: zolk-render [--state FILE] [--preset NAME] [--url URL] [--set NAME=VALUE]... [--hq]\n"
-           "                   [--block N] [--random-blocks] [--rate HZ] [--sidechain FILE.wav] [--bypass]\n"
-           "                   [--save-state FILE] [--user-presets FILE] [--factory-presets FILE]\n"
-           "                   [--json] [INPUT.wav] OUTPUT.wav";
+    return "usage: zolk-render [--state-in FILE] [--preset NAME] [--set NAME=VALUE]... [--hq] [--block N]\n"
+           "                   [--random-blocks] [--rate HZ] [--sidechain FILE.wav] [--bypass]\n"
+           "                   [--state-out FILE] [--json] [INPUT.wav] OUTPUT.wav\n"
+           "       zolk-render --list-presets [INPUT.wav]";
 }

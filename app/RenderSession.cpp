@@ -3,7 +3,6 @@
 #include "app/DemoSignal.h"
 #include "core/TRQAudioProcessor.h"
 #include "presets/TRQPresetController.h"
-#include "presets/TRQPresetFiles.h"
 #include "presets/TRQPresetURL.h"
 
 #include <chrono>
@@ -38,26 +37,6 @@ private:
     int maximum;
     bool random;
     juce::Random generator{12345};
-};
-
-// Points preset reading at the files given for the length of a render.
-class ScopedPresetFiles
-{
-public:
-    explicit ScopedPresetFiles (const RenderOptions& options)
-        : previous (TRQPresetFiles::locations())
-    {
-        auto where = previous;
-        if (options.userPresets != juce::File())
-            where.user = options.userPresets;
-        if (options.factoryPresets != juce::File())
-            where.factory = options.factoryPresets;
-        TRQPresetFiles::setLocations (where);
-    }
-    ~ScopedPresetFiles() { TRQPresetFiles::setLocations (previous); }
-
-private:
-    TRQPresetFiles::Locations previous;
 };
 
 // Written beside the target and moved into place, so a failed write never leaves a
@@ -166,6 +145,13 @@ void RenderSession::restoreState (TRQAudioProcessor& processor, const juce::File
     juce::MemoryBlock chunk;
     if (!file.existsAsFile() || !file.loadFileAsData (chunk))
         throw RenderUsageError ("cannot read state " + file.getFullPathName() + ": no such file");
+    // The plug-in quietly ignores a chunk it can't read, as a host expects; here the
+    // caller asked for this one, so it is refused instead.
+    const auto xml =
+        juce::AudioProcessor::getXmlFromBinary (chunk.getData(), static_cast<int> (chunk.getSize()));
+    if (xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
+        throw RenderUsageError ("cannot read state " + file.getFullPathName() +
+                                ": not a saved state of this plug-in");
     processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
 
     // The selection follows the restored state, and is marked modified where the
@@ -183,17 +169,52 @@ void RenderSession::saveState (TRQAudioProcessor& processor, const juce::File& f
                      { return stream->write (chunk.getData(), chunk.getSize()); });
 }
 
-void RenderSession::applyPreset (TRQAudioProcessor& processor, const juce::String& nameOrUuid)
+void RenderSession::applyPreset (TRQAudioProcessor& processor, const juce::String& name)
 {
     auto controller = processor.getPresetController();
-    auto index = controller->indexOfUuid (nameOrUuid);
     const auto& presets = controller->getPresets();
-    for (std::uint32_t i = 0; i < presets.size() && !index; ++i)
-        if (presets[i].name == nameOrUuid)
-            index = i;
-    if (!index)
-        throw RenderUsageError ("unknown preset \"" + nameOrUuid + "\"");
-    controller->selectPreset (index.value, true, true);
+    const auto found = std::find_if (presets.begin(), presets.end(),
+                                     [&] (const PresetRecord& preset) { return preset.name == name; });
+    if (found == presets.end())
+        throw RenderUsageError ("unknown preset \"" + name + "\"");
+    controller->selectPreset (static_cast<std::uint32_t> (found - presets.begin()), true, true);
+}
+
+std::unique_ptr<TRQAudioProcessor> RenderSession::makeProcessor (int ins, int outs, int scs)
+{
+    std::unique_ptr<TRQAudioProcessor> processor (dynamic_cast<TRQAudioProcessor*> (createPluginFilter()));
+    juce::AudioProcessor::BusesLayout layout;
+    layout.inputBuses.add (channelSet (ins));
+    layout.inputBuses.add (channelSet (scs));
+    layout.outputBuses.add (channelSet (outs));
+    if (!processor->setBusesLayout (layout))
+        throw RenderUsageError ("the plug-in refuses " + juce::String (ins) + " input channels");
+    // Presets are offered by layout: read the list again for this one.
+    processor->getPresetController()->reload();
+    return processor;
+}
+
+juce::String RenderSession::listPresets()
+{
+    const int ins =
+        options.input == juce::File() ? 2 : readWav (options.input, "input").buffer.getNumChannels();
+    const auto processor = makeProcessor (ins, ins, ins);
+    const auto controller = processor->getPresetController();
+    const auto& presets = controller->getPresets();
+
+    juce::String text;
+    for (const auto& section : controller->getSections())
+    {
+        text << section.title << (section.kind == PresetKind::user ? " (user)" : "") << "\n";
+        for (auto i = section.first; i < section.end; ++i)
+        {
+            const bool isDefault = i == controller->getDefaultPresetIndex();
+            const bool isSelected = controller->getHasSelection() && i == controller->getCurrentPresetIndex();
+            text << (isSelected ? "  > " : "    ") << presets[i].name << (isDefault ? "  [default]" : "")
+                 << "\n";
+        }
+    }
+    return text.isEmpty() ? juce::String ("no presets\n") : text;
 }
 
 RenderReport RenderSession::run()
@@ -226,27 +247,15 @@ RenderReport RenderSession::run()
     if (scs != ins && scs != 1)
         throw RenderUsageError ("a sidechain must have 1 channel or as many as the input");
 
-    const ScopedPresetFiles presetFiles (options);
-    std::unique_ptr<juce::AudioProcessor> processor (createPluginFilter());
-    auto& plugin = dynamic_cast<TRQAudioProcessor&> (*processor);
+    const auto processor = makeProcessor (ins, outs, scs);
+    auto& plugin = *processor;
 
-    juce::AudioProcessor::BusesLayout layout;
-    layout.inputBuses.add (channelSet (ins));
-    layout.inputBuses.add (channelSet (scs));
-    layout.outputBuses.add (channelSet (outs));
-    if (!processor->setBusesLayout (layout))
-        throw RenderUsageError ("the plug-in refuses " + juce::String (ins) + " input channels");
-    // Presets are offered by layout: read the list again for this one.
-    plugin.getPresetController()->reload();
-
-    // From the broadest to the most particular: a whole state, a preset, a URL, then
-    // single parameters.
-    if (options.state != juce::File())
-        restoreState (plugin, options.state);
+    // From the broadest to the most particular: a whole state, a preset, then single
+    // parameters.
+    if (options.stateIn != juce::File())
+        restoreState (plugin, options.stateIn);
     if (options.preset.isNotEmpty())
         applyPreset (plugin, options.preset);
-    if (options.url.isNotEmpty())
-        TRQPresetURL::pasteSettings (plugin, options.url);
     for (const auto& [name, value] : options.settings)
         applySetting (*processor, name, value);
 
@@ -293,8 +302,8 @@ RenderReport RenderSession::run()
 
     processor->releaseResources();
     writeWav (options.output, output, rate);
-    if (options.saveState != juce::File())
-        saveState (plugin, options.saveState);
+    if (options.stateOut != juce::File())
+        saveState (plugin, options.stateOut);
 
     auto controller = plugin.getPresetController();
     controller->updateModified ({}, {});

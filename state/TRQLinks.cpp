@@ -57,7 +57,7 @@ namespace TRQLinks
 {
 namespace
 {
-TRQAudioParameter& at (const std::array<TRQAudioParameter*, 21>& parameters, ParameterId id)
+TRQAudioParameter& at (const std::array<TRQAudioParameter*, kNumParameters>& parameters, ParameterId id)
 {
     if (!isValidParameterId (id))
         throw std::out_of_range ("TRQLinks: a link names a parameter that does not exist");
@@ -65,11 +65,17 @@ TRQAudioParameter& at (const std::array<TRQAudioParameter*, 21>& parameters, Par
 }
 } // namespace
 
-void build (const std::array<TRQAudioParameter*, 21>& parameters)
+void build (const std::array<TRQAudioParameter*, kNumParameters>& parameters)
+{
+    build (parameters, ParameterCatalogue::rows());
+}
+
+void build (const std::array<TRQAudioParameter*, kNumParameters>& parameters,
+            const std::array<ParameterSpec, kNumParameters>& rows)
 {
     for (ParameterId id = 0; id < kNumParameters; ++id)
     {
-        const auto& row = ParameterCatalogue::row (id);
+        const auto& row = rows[id];
         if (!row.linkedByPairs.empty())
         {
             std::vector<TRQLinkedBy::Pair> pairs;

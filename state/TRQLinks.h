@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state/ParameterId.h"
+#include "state/ParameterSpec.h"
 #include "state/TRQLinkManager.h"
 
 #include <array>
@@ -49,10 +51,12 @@ private:
 
 namespace TRQLinks
 {
-// Gives each parameter the link manager its catalogue row asks for. The array holds
-// the 21 parameters in id order. Throws std::out_of_range for a row that names an id
-// of 21 or more.
-void build (const std::array<TRQAudioParameter*, 21>& parameters);
+// Gives each parameter the link manager its row asks for: the catalogue's rows unless
+// others are given. The array holds the 21 parameters in id order. Throws
+// std::out_of_range for a row that names an id of 21 or more.
+void build (const std::array<TRQAudioParameter*, kNumParameters>& parameters);
+void build (const std::array<TRQAudioParameter*, kNumParameters>& parameters,
+            const std::array<ParameterSpec, kNumParameters>& rows);
 
 // Whether the row of id has a linked secondary whose gate is on in values (real
 // values by id).

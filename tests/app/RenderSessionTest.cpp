@@ -150,6 +150,15 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     EXPECT_EQ (juce::StringArray::fromLines (text.trim()).size(), 1);
     EXPECT_FALSE ((tmp / "x.wav").exists());
 
+    juce::ChildProcess preset;
+    ASSERT_TRUE (preset.start (
+        juce::StringArray{binary, "--preset", "No Such Preset", (tmp / "x.wav").getFullPathName()},
+        juce::ChildProcess::wantStdErr));
+    const auto presetText = preset.readAllProcessOutput().trim();
+    preset.waitForProcessToFinish (60000);
+    EXPECT_EQ (preset.getExitCode(), 2u);
+    EXPECT_EQ (presetText, "zolk-render: unknown preset \"No Such Preset\"");
+
     juce::ChildProcess json;
     ASSERT_TRUE (
         json.start (juce::StringArray{binary, "--json", "--rate", "44100", (tmp / "y.wav").getFullPathName()},
@@ -160,44 +169,30 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     EXPECT_EQ (static_cast<int> (report["sample_rate"]), 44100);
 }
 
-TEST (RenderSession, StartsFromAPresetAURLAndASavedState)
+TEST (RenderSession, StartsFromAPresetOrASavedStateAndSavesOne)
 {
     TempFolder tmp;
-    const auto factory = tmp / "factory.json";
+    PresetFolder presets;
     PresetFolder::write (
-        factory, {PresetFolder::section ("F", {PresetFolder::fullPreset ("Plain", "f-0"),
-                                               PresetFolder::fullPreset ("Squeeze", "f-1", {{2, 90.0f}})})});
-    const auto base = juce::StringArray{"--factory-presets", factory.getFullPathName(),
-                                        "--user-presets",    (tmp / "user.json").getFullPathName(),
-                                        "--block",           "64"};
+        presets.factory(),
+        {PresetFolder::section ("F", {PresetFolder::fullPreset ("Plain", "f-0"),
+                                      PresetFolder::fullPreset ("Squeeze", "f-1", {{2, 90.0f}})})});
     const auto state = tmp / "squeeze.state";
 
-    auto args = base;
-    args.addArray ({"--preset", "Squeeze", "--set", "OutputGain=-2", "--save-state", state.getFullPathName(),
-                    (tmp / "a.wav").getFullPathName()});
-    auto report = render (args);
+    auto report = render ({"--preset", "Squeeze", "--set", "OutputGain=-2", "--state-out",
+                           state.getFullPathName(), "--block", "64", (tmp / "a.wav").getFullPathName()});
     EXPECT_EQ (report.preset, "Squeeze");
     EXPECT_TRUE (report.presetModified);
     EXPECT_TRUE (report.settingsUrl.endsWith ("/zolk-comp/3.5.0?cm=90&out=-2")) << report.settingsUrl;
     ASSERT_TRUE (state.existsAsFile());
-    EXPECT_FALSE ((tmp / "user.json").exists()) << "presets are read, never written";
+    EXPECT_FALSE (presets.user().exists()) << "presets are read, never written";
 
-    args = base;
-    args.addArray ({"--state", state.getFullPathName(), (tmp / "b.wav").getFullPathName()});
-    report = render (args);
+    report = render ({"--state-in", state.getFullPathName(), (tmp / "b.wav").getFullPathName()});
     EXPECT_EQ (report.preset, "Squeeze") << "the state remembers its preset";
     EXPECT_TRUE (report.presetModified);
     EXPECT_TRUE (report.settingsUrl.endsWith ("?cm=90&out=-2"));
 
-    args = base;
-    args.addArray ({"--preset", "f-1", "--url", "?cm=20&wf=40", (tmp / "c.wav").getFullPathName()});
-    report = render (args);
-    EXPECT_TRUE (report.settingsUrl.endsWith ("?cm=20&wf=40"))
-        << "a URL sets everything it doesn't name to default";
-
-    args = base;
-    args.add ((tmp / "d.wav").getFullPathName());
-    report = render (args);
+    report = render ({(tmp / "c.wav").getFullPathName()});
     EXPECT_EQ (report.preset, "Plain");
     EXPECT_FALSE (report.presetModified);
     EXPECT_TRUE (report.settingsUrl.endsWith ("/3.5.0"));
@@ -208,13 +203,47 @@ TEST (RenderSession, StartsFromAPresetAURLAndASavedState)
     EXPECT_EQ (json["settings_url"].toString(), report.settingsUrl);
 }
 
-TEST (RenderSession, RefusesAnUnknownPresetOrAMissingState)
+TEST (RenderSession, ListsThePresetsOfTheInputsLayout)
 {
     TempFolder tmp;
+    PresetFolder presets;
+    auto monoOnly = PresetFolder::preset ("Mono Only", "f-2", {});
+    monoOnly["channels"] = nlohmann::json::array ({nlohmann::json::array ({1, 1})});
+    PresetFolder::write (
+        presets.factory(),
+        {PresetFolder::section ("Factory", {PresetFolder::preset ("Plain", "f-0", {}),
+                                            PresetFolder::preset ("Squeeze", "f-1", {}), monoOnly})},
+        "f-1");
+    PresetFolder::write (presets.user(),
+                         {PresetFolder::section ("User", {PresetFolder::preset ("Mine", "u-0", {})})});
+
+    const auto stereo = RenderSession (RenderOptions::parse ({"--list-presets"})).listPresets();
+    EXPECT_EQ (stereo, "User (user)\n    Mine\nFactory\n    Plain\n  > Squeeze  [default]\n");
+
+    juce::AudioBuffer<float> mono (1, 100);
+    mono.clear();
+    writeWav (tmp / "mono.wav", mono, 48000.0);
+    const auto forMono =
+        RenderSession (RenderOptions::parse ({"--list-presets", (tmp / "mono.wav").getFullPathName()}))
+            .listPresets();
+    EXPECT_TRUE (forMono.contains ("    Mono Only\n")) << forMono;
+}
+
+TEST (RenderSession, RefusesAnUnknownPresetOrAnUnreadableState)
+{
+    TempFolder tmp;
+    PresetFolder presets;
     const auto out = tmp / "out.wav";
-    EXPECT_THROW (render ({"--preset", "Nothing Like It", out.getFullPathName()}), RenderUsageError);
-    EXPECT_THROW (render ({"--state", (tmp / "none.state").getFullPathName(), out.getFullPathName()}),
-                  RenderUsageError);
-    EXPECT_THROW (render ({"--url", out.getFullPathName()}), RenderUsageError) << "the URL is missing";
-    EXPECT_FALSE (out.exists());
+    (tmp / "text.state").replaceWithText ("not a chunk");
+    const juce::StringArray cases[] = {
+        {"--preset", "Nothing Like It", out.getFullPathName()},
+        {"--state-in", (tmp / "none.state").getFullPathName(), out.getFullPathName()},
+        {"--state-in", (tmp / "text.state").getFullPathName(), out.getFullPathName()},
+        {"--list-presets", "a.wav", "b.wav"},
+    };
+    for (const auto& args : cases)
+    {
+        EXPECT_THROW (render (args), RenderUsageError) << args.joinIntoString (" ");
+        EXPECT_FALSE (out.exists());
+    }
 }

@@ -441,3 +441,18 @@ TEST_F (PresetControllerTest, AnAAXDefaultChunkStartsOnTheUsersDefaultPreset)
     fresh->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
     EXPECT_FLOAT_EQ (fresh->getParameter (2).getRealValue(), 10.0f);
 }
+
+TEST_F (PresetControllerTest, TwoInstancesSavingOneAfterTheOtherKeepBothPresets)
+{
+    makeProcessor();
+    auto second = ProcessorTestSupport::make();
+    controller->savePreset ("From One", "", "", currentValues());
+    second->getPresetController()->savePreset ("From Two", "", "", currentValues());
+
+    const auto list = PresetFolder::read (folder.user())["0002"]["sections"][0]["presets"];
+    ASSERT_EQ (list.size(), 2u);
+    EXPECT_EQ (list[0]["name"], "From One");
+    EXPECT_EQ (list[1]["name"], "From Two");
+    controller->reload();
+    EXPECT_EQ (controller->getPresets().size(), 2u) << "the other instance's preset shows after a reload";
+}

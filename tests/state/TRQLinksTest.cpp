@@ -110,3 +110,28 @@ TEST_F (LinksTest, NoParameterOfThisProductIsHeldOutOfAURL)
     for (unsigned id = 0; id <= 21; ++id)
         EXPECT_FALSE (TRQLinks::isHeldByGate (id, values)) << id;
 }
+
+TEST_F (LinksTest, ATestCatalogueGetsItsThreeKindsOfLink)
+{
+    auto rows = ParameterCatalogue::rows();
+    rows[18].linkedByPairs = {{1, 5}}; // Sidechain Listen switches Output Gain onto Input Gain
+    rows[2].linkedPrimary = {4, 16};   // Compression Amount drives Lo-Fi Amount under HQ Mode
+    rows[3].linkedSecondary = {1, 9};  // Wow/Flutter Amount is held while the stereo link is on
+    std::array<TRQAudioParameter*, 21> parameters{};
+    for (int i = 0; i < 21; ++i)
+        parameters[static_cast<size_t> (i)] = &parameter (i);
+    TRQLinks::build (parameters, rows);
+
+    EXPECT_NE (dynamic_cast<TRQLinkedBy*> (&parameter (18).getLinkManager()), nullptr);
+    EXPECT_NE (dynamic_cast<TRQLinkedPrimary*> (&parameter (2).getLinkManager()), nullptr);
+    EXPECT_NE (dynamic_cast<TRQLinkedSecondary*> (&parameter (3).getLinkManager()), nullptr);
+    EXPECT_EQ (typeid (parameter (4).getLinkManager()), typeid (TRQLinkManager));
+
+    EXPECT_FALSE (parameter (3).isAutomatable()) << "the stereo link starts on";
+    parameter (16).setValue (1.0f);
+    parameter (2).setValue (0.2f);
+    EXPECT_FLOAT_EQ (parameter (4).getRealValue(), 20.0f);
+
+    rows[2].linkedPrimary = {21, 16};
+    EXPECT_THROW (TRQLinks::build (parameters, rows), std::out_of_range);
+}
