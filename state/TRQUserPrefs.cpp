@@ -80,6 +80,52 @@ void useStandardFile()
     replacedFile.reset();
 }
 
+#if JUCE_WINDOWS
+// The registry: HKEY_CURRENT_USER\SOFTWARE\Halvane, or its plug-in number's sub-key.
+namespace
+{
+juce::String registryPath (Scope scope, const std::string& key)
+{
+    juce::String path = "HKEY_CURRENT_USER\\SOFTWARE\\Halvane\\";
+    if (scope == thisPlugin)
+        path << juce::String (ParameterCatalogue::product().pluginNumber) << "\\";
+    return path + juce::String (key);
+}
+
+constexpr juce::uint32 registryString = 1; // REG_SZ
+constexpr juce::uint32 registryNumber = 4; // REG_DWORD
+} // namespace
+
+bool read (Scope scope, const std::string& key, int& out)
+{
+    juce::MemoryBlock data;
+    if (juce::WindowsRegistry::getBinaryValue (registryPath (scope, key), data) != registryNumber ||
+        data.isEmpty())
+        return false;
+    out = static_cast<int> (static_cast<juce::uint8> (data[0]));
+    return true;
+}
+
+bool read (Scope scope, const std::string& key, std::string& out)
+{
+    const auto path = registryPath (scope, key);
+    juce::MemoryBlock data;
+    if (juce::WindowsRegistry::getBinaryValue (path, data) != registryString)
+        return false;
+    out = juce::WindowsRegistry::getValue (path).toStdString();
+    return true;
+}
+
+bool write (Scope scope, const std::string& key, int value)
+{
+    return juce::WindowsRegistry::setValue (registryPath (scope, key), static_cast<juce::uint32> (value));
+}
+
+bool write (Scope scope, const std::string& key, const std::string& value)
+{
+    return juce::WindowsRegistry::setValue (registryPath (scope, key), juce::String (value));
+}
+#else
 bool read (Scope scope, const std::string& key, int& out)
 {
     const auto document = readDocument();
@@ -115,6 +161,7 @@ bool write (Scope scope, const std::string& key, const std::string& value)
 {
     return writeValue (scope, key, value);
 }
+#endif
 } // namespace Store
 
 std::string knownLanguageName (const std::string& name)

@@ -6,9 +6,9 @@
 #include <string>
 
 // Settings that belong to the user rather than to a project. They live in one store
-// that all of the maker's plug-ins share: a per-user JSON file, which holds what the
-// registry holds elsewhere, with the same value names and the same two kinds of value
-// (whole numbers and text). Message thread only.
+// that all of the maker's plug-ins share: the registry under Windows, elsewhere a
+// per-user JSON file with the same value names and the same two kinds of value (whole
+// numbers and text). Message thread only.
 namespace TRQUserPrefs
 {
 // Where a preference is kept: shared by all of the maker's plug-ins, or this one only.
@@ -20,7 +20,7 @@ enum Scope : std::uint32_t
 
 namespace Store
 {
-// <user configuration folder>/Halvane/Preferences.json
+// <user configuration folder>/Halvane/Preferences.json; not used under Windows.
 juce::File standardFile();
 // The file this process uses: the standard one unless replaced (for tests).
 juce::File file();
@@ -31,7 +31,9 @@ void useStandardFile();
 // one byte does: 300 reads as 44. Absent or of the other kind: not found.
 bool read (Scope scope, const std::string& key, int& out);
 bool read (Scope scope, const std::string& key, std::string& out);
-// Makes the file and its folder at need; false when it can't be written.
+// Makes the file and its folder at need, and replaces the file whole through a
+// temporary one, so that a reader never sees half a file; false when it can't be
+// written.
 bool write (Scope scope, const std::string& key, int value);
 bool write (Scope scope, const std::string& key, const std::string& value);
 } // namespace Store
