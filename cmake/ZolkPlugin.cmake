@@ -49,8 +49,11 @@ target_compile_definitions(ZolkCompressor
     JucePlugin_LV2URI="${ZOLK_LV2_URI}"
     ZOLK_MAKER_URL="${ZOLK_MAKER_URL}")
 
+include(ZolkResources)
+
 target_link_libraries(ZolkCompressor
   PRIVATE
+    ZolkResources
     juce::juce_audio_utils
     juce::juce_opengl
   PUBLIC

@@ -3,7 +3,8 @@
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
 #include "state/ParameterRange.h"
-#include "toolkit/HVNDenormalGuard.h"
+#include "toolkit/HVNFPGuard.h"
+#include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNVec.h"
 
 #include <algorithm>
@@ -23,6 +24,8 @@ int HVNPublicDSP::startVectorLibrary()
     const int status = HVNVec::start();
     if (status < 0)
         throw std::runtime_error ("HVNVec: ipp init error");
+    // An unsupported processor fails here, before any audio object exists.
+    HVNSIMD::instance();
     return status;
 }
 
@@ -319,7 +322,7 @@ void HVNPublicDSP::process (const HVNAudioBuffer<float>& input, HVNAudioBuffer<f
     if (n == 0)
         return;
 
-    HVNDenormalGuard denormals;
+    HVNFPGuard denormals;
 
     if (numSidechains == 0)
     {

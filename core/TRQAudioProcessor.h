@@ -71,7 +71,7 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
     bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
 
-    TRQAudioParameter& getParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
+    TRQAudioParameter& getAudioParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
     // The parameter of index, or nullptr for an index out of range and while the
     // constructor has not made the parameters yet.
     TRQAudioParameter* findParameter (int index) const;
@@ -98,6 +98,8 @@ public:
 
     // Fired on the message thread when a new DSP announced itself.
     TRQSignals::Signal<void()> dspAnnounced;
+    // Fired on the message thread after a reset cleared the DSP's state.
+    TRQSignals::Signal<void()> dspStateCleared;
 
     // Channel code of the DSP for a JUCE channel type: 25, 26 and 27 rotate.
     static uint32_t channelCode (int juceChannelType);

@@ -22,7 +22,7 @@ void setReal (TRQAudioProcessor& processor, ParameterId id, double value)
 {
     if (std::isnan (value))
         value = 0.0;
-    auto& parameter = processor.getParameter (static_cast<int> (id));
+    auto& parameter = processor.getAudioParameter (static_cast<int> (id));
     parameter.setValue (toNormalised (id, static_cast<float> (value)));
     parameter.sendValueChangedMessageToListeners (parameter.getValue());
 }
@@ -53,7 +53,7 @@ juce::String settingsAsUrl (const TRQAudioProcessor& processor)
 {
     float values[kNumParameters];
     for (ParameterId id = 0; id < kNumParameters; ++id)
-        values[id] = snapAndClamp (id, processor.getParameter (static_cast<int> (id)).getRealValue());
+        values[id] = snapAndClamp (id, processor.getAudioParameter (static_cast<int> (id)).getRealValue());
     return settingsAsUrl (values);
 }
 

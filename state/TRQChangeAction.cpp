@@ -37,7 +37,7 @@ void StateSnapshot::captureAll (const juce::String& uuid)
     values.clear();
     for (ParameterId id = 0; id < kNumParameters; ++id)
         values.emplace_back (
-            id, toNormalised (id, processor->getParameter (static_cast<int> (id)).getRealValue()));
+            id, toNormalised (id, processor->getAudioParameter (static_cast<int> (id)).getRealValue()));
     presetUuid = uuid;
     recordModified();
 }
@@ -46,7 +46,7 @@ void StateSnapshot::apply() const
 {
     for (const auto& [index, value] : values)
     {
-        auto& parameter = processor->getParameter (static_cast<int> (index));
+        auto& parameter = processor->getAudioParameter (static_cast<int> (index));
         parameter.setValue (value);
         parameter.sendValueChangedMessageToListeners (parameter.getValue());
     }

@@ -32,7 +32,7 @@ std::vector<ParameterId> dependentsOf (ParameterId id)
 
 float normalisedNow (TRQAudioProcessor& processor, ParameterId id)
 {
-    return toNormalised (id, processor.getParameter (static_cast<int> (id)).getRealValue());
+    return toNormalised (id, processor.getAudioParameter (static_cast<int> (id)).getRealValue());
 }
 } // namespace
 
@@ -139,7 +139,7 @@ void TRQParameterManager::keepPartnersInRange (ParameterId id, float normalised)
             continue;
         const auto p = static_cast<ParameterId> (partner);
         const bool upper = partner == row.upperPartner;
-        auto& other = processor.getParameter (static_cast<int> (p));
+        auto& other = processor.getAudioParameter (static_cast<int> (p));
         const float y = other.getRealValue();
         const float limit =
             snapAndClamp (p, upper ? std::min (y, x * row.partnerRatio) : std::max (y, x * row.partnerRatio));
@@ -151,7 +151,8 @@ void TRQParameterManager::keepPartnersInRange (ParameterId id, float normalised)
         {
             const float back = snapAndClamp (id, upper ? std::max (x, y / row.partnerRatio)
                                                        : std::min (x, y / row.partnerRatio));
-            processor.getParameter (static_cast<int> (id)).setValueNotifyingHost (toNormalised (id, back));
+            processor.getAudioParameter (static_cast<int> (id))
+                .setValueNotifyingHost (toNormalised (id, back));
         }
     }
     keepingPartners = false;

@@ -4,7 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
 #include <mutex>
 #include <optional>
 
@@ -164,14 +163,4 @@ bool write (Scope scope, const std::string& key, const std::string& value)
 #endif
 } // namespace Store
 
-std::string knownLanguageName (const std::string& name)
-{
-    static const std::array<const char*, 11> names{
-        "English", "Spanish",           "Portuguese",         "French", "Korean", "Japanese",
-        "Arabic",  "ChineseSimplified", "ChineseTraditional", "Emoji",  "Asemic"};
-    for (const auto* known : names)
-        if (name == known)
-            return name;
-    return names[0];
-}
 } // namespace TRQUserPrefs

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state/TRQLanguage.h"
+
 #include <juce_core/juce_core.h>
 
 #include <cstdint>
@@ -167,17 +169,16 @@ struct UIScalePref : Pref<int, int>
     int toStored (int v) const override { return v; }
 };
 
-// The stored name of an interface language ("English", "Korean", ...): itself when it
-// names one, "English" otherwise.
-std::string knownLanguageName (const std::string& name);
-
-// The interface language, kept in its stored form, the enumerator's name. The editor
-// turns it into the language enum.
-struct LanguagePref : Pref<std::string, std::string>
+// The interface language, stored as its enumerator's name ("English", "Korean", ...);
+// a name that is no language reads as English.
+struct LanguagePref : Pref<TRQLanguage::Language, std::string>
 {
-    std::string defaultValue() const override { return "English"; }
+    TRQLanguage::Language defaultValue() const override { return TRQLanguage::English; }
     std::string key() const override { return "Language"; }
-    std::string fromStored (std::string stored) const override { return knownLanguageName (stored); }
-    std::string toStored (std::string v) const override { return v; }
+    TRQLanguage::Language fromStored (std::string stored) const override
+    {
+        return TRQLanguage::languageFromName (stored);
+    }
+    std::string toStored (TRQLanguage::Language v) const override { return TRQLanguage::languageName (v); }
 };
 } // namespace TRQUserPrefs

@@ -1,11 +1,24 @@
 #include "toolkit/HVNVec.h"
 
+#include "toolkit/HVNSIMD.h"
+
 #include <cstring>
+#include <fftw3.h>
+#include <mutex>
 
 namespace HVNVec
 {
 int start()
 {
+    // DSP objects are built on a worker thread while another may be planning
+    // transforms; FFTW's planner is only safe for that once this has run.
+    static std::once_flag once;
+    std::call_once (once,
+                    []
+                    {
+                        fftw_make_planner_thread_safe();
+                        fftwf_make_planner_thread_safe();
+                    });
     return 0;
 }
 
@@ -35,14 +48,12 @@ void move (const double* s, double* d, uint32_t n)
 
 void convert (const double* s, float* d, uint32_t n)
 {
-    for (uint32_t i = 0; i < n; ++i)
-        d[i] = static_cast<float> (s[i]);
+    HVNSIMD::kernels().convertDF (s, d, n);
 }
 
 void convert (const float* s, double* d, uint32_t n)
 {
-    for (uint32_t i = 0; i < n; ++i)
-        d[i] = static_cast<double> (s[i]);
+    HVNSIMD::kernels().convertFD (s, d, n);
 }
 
 void clear (float* d, uint32_t n)

@@ -56,8 +56,8 @@ TEST (TRQAudioProcessor, NamesItselfAndStartsFromTheCatalogueDefaults)
     EXPECT_EQ (names[13], "Z");
     EXPECT_EQ (p->getParameters().size(), 21);
     EXPECT_EQ (p->getTailLengthSeconds(), 0.0);
-    EXPECT_FLOAT_EQ (p->getParameter (2).getRealValue(), 50.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (17).getRealValue(), -18.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getRealValue(), 50.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (17).getRealValue(), -18.0f);
     EXPECT_FALSE (p->getStateHasBeenSet());
 }
 
@@ -197,9 +197,9 @@ TEST (TRQAudioProcessor, StateKeepsMissingValuesAndCutsAnOverlongLength)
     bytes[5] = 0xff;
     p->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
 
-    EXPECT_FLOAT_EQ (p->getParameter (2).getRealValue(), 90.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (4).getRealValue(), 10.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (3).getRealValue(), 15.0f) << "missing attributes keep the value";
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getRealValue(), 90.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (4).getRealValue(), 10.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (3).getRealValue(), 15.0f) << "missing attributes keep the value";
     EXPECT_EQ (p->getPluginState().getAttribute ("AdvancedPaneIsOpen"), "1");
 }
 
@@ -237,11 +237,11 @@ TEST (TRQAudioProcessor, AAXDefaultChunkStartsAFreshInstanceOnItsDefaults)
 
     auto fresh = make (2, 2, 2, true);
     fresh->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_FLOAT_EQ (fresh->getParameter (2).getRealValue(), 50.0f) << "default chunk applies the defaults";
+    EXPECT_FLOAT_EQ (fresh->getAudioParameter (2).getRealValue(), 50.0f) << "default chunk applies the defaults";
 
     // Now that it has a state, the same chunk's numbers are used.
     fresh->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_FLOAT_EQ (fresh->getParameter (2).getRealValue(), 90.0f);
+    EXPECT_FLOAT_EQ (fresh->getAudioParameter (2).getRealValue(), 90.0f);
     juce::MemoryBlock again;
     fresh->getStateInformation (again);
     xml = juce::AudioProcessor::getXmlFromBinary (again.getData(), static_cast<int> (again.getSize()));
@@ -250,7 +250,7 @@ TEST (TRQAudioProcessor, AAXDefaultChunkStartsAFreshInstanceOnItsDefaults)
     // Outside AAX the attribute is ignored.
     auto plain = make();
     plain->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_FLOAT_EQ (plain->getParameter (2).getRealValue(), 90.0f);
+    EXPECT_FLOAT_EQ (plain->getAudioParameter (2).getRealValue(), 90.0f);
 }
 
 TEST (TRQAudioProcessor, AAXAddsTheGainReductionMeterBehindTheParameters)
@@ -270,16 +270,16 @@ TEST (TRQAudioProcessor, MonoLayoutsStartTheStereoLinkWhereTheDSPPutsItUnlessASt
 {
     auto monoToMono = make (1, 1, 1);
     monoToMono->prepareToPlay (48000.0, 256);
-    EXPECT_EQ (monoToMono->getParameter (9).getRealValue(), 0.0f);
+    EXPECT_EQ (monoToMono->getAudioParameter (9).getRealValue(), 0.0f);
 
     auto monoToStereo = make (1, 2, 1);
     monoToStereo->getParameters()[9]->setValue (0.0f);
     monoToStereo->prepareToPlay (48000.0, 256);
-    EXPECT_EQ (monoToStereo->getParameter (9).getRealValue(), 1.0f);
+    EXPECT_EQ (monoToStereo->getAudioParameter (9).getRealValue(), 1.0f);
 
     auto restored = make (1, 1, 1);
     const auto chunk = chunkFromXml ("<MYPLUGINSETTINGS _9=\"1\"/>");
     restored->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
     restored->prepareToPlay (48000.0, 256);
-    EXPECT_EQ (restored->getParameter (9).getRealValue(), 1.0f) << "a restored session keeps its value";
+    EXPECT_EQ (restored->getAudioParameter (9).getRealValue(), 1.0f) << "a restored session keeps its value";
 }

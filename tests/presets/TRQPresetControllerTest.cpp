@@ -55,11 +55,11 @@ protected:
         controller->presetsLoaded.connect (&Listener::onLoaded, &listener);
     }
 
-    float real (int id) { return p->getParameter (id).getRealValue(); }
+    float real (int id) { return p->getAudioParameter (id).getRealValue(); }
     void set (int id, float value)
     {
-        p->getParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
-        controller->updateModified (static_cast<std::uint32_t> (id), p->getParameter (id).getValue());
+        p->getAudioParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
+        controller->updateModified (static_cast<std::uint32_t> (id), p->getAudioParameter (id).getValue());
     }
     juce::String selectedName()
     {
@@ -111,8 +111,8 @@ TEST_F (PresetControllerTest, AnInstanceStartsOnTheDefaultPreset)
     EXPECT_EQ (p->getPluginState().getAttribute ("LastPresetRecorded"), "f-1");
     EXPECT_FLOAT_EQ (real (2), 80.0f);
     EXPECT_FLOAT_EQ (real (5), -3.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (2).getPresetDefault(), 80.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (2).getDefaultValue(), toNormalised (2, 50.0f))
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getPresetDefault(), 80.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getDefaultValue(), toNormalised (2, 50.0f))
         << "the host's default stays";
     EXPECT_EQ (p->getUndoManager().getNumTransactions(), 0u) << "loading is no step of the history";
     EXPECT_TRUE (controller->getSections()[0].expanded);
@@ -242,7 +242,7 @@ TEST_F (PresetControllerTest, TheModifiedCheckIgnoresPowerAndChangesBelowTheStep
     set (0, 0.0f);
     EXPECT_FALSE (controller->getIsModified());
 
-    p->getParameter (2).setValue (toNormalised (2, 50.2f));
+    p->getAudioParameter (2).setValue (toNormalised (2, 50.2f));
     controller->updateModified (2u, toNormalised (2, 50.2f));
     EXPECT_FALSE (controller->getIsModified());
 
@@ -353,8 +353,8 @@ TEST_F (PresetControllerTest, ANewDefaultPresetBecomesTheParametersPresetDefault
     controller->setDefaultPreset (indexOf ("f-1"));
     EXPECT_EQ (listener.defaultChanges, 1);
     EXPECT_EQ (controller->getDefaultPresetIndex(), indexOf ("f-1"));
-    EXPECT_FLOAT_EQ (p->getParameter (2).getPresetDefault(), 80.0f);
-    EXPECT_FLOAT_EQ (p->getParameter (3).getPresetDefault(), 15.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getPresetDefault(), 80.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (3).getPresetDefault(), 15.0f);
     EXPECT_FLOAT_EQ (real (2), 50.0f) << "the values themselves stay";
 
     controller->setDefaultPreset (indexOf ("f-1"));
@@ -364,7 +364,7 @@ TEST_F (PresetControllerTest, ANewDefaultPresetBecomesTheParametersPresetDefault
     EXPECT_EQ (listener.defaultChanges, 1) << "not the default: nothing to undo";
     controller->makeDefault ("f-1", false);
     EXPECT_EQ (controller->getDefaultPresetIndex(), 0u);
-    EXPECT_FLOAT_EQ (p->getParameter (2).getPresetDefault(), 50.0f);
+    EXPECT_FLOAT_EQ (p->getAudioParameter (2).getPresetDefault(), 50.0f);
 }
 
 TEST_F (PresetControllerTest, MovingAUserPresetReordersTheFile)
@@ -437,9 +437,9 @@ TEST_F (PresetControllerTest, AnAAXDefaultChunkStartsOnTheUsersDefaultPreset)
     auto fresh = ProcessorTestSupport::make (2, 2, 2, true);
     const auto chunk =
         ProcessorTestSupport::chunkFromXml ("<MYPLUGINSETTINGS _2=\"0.9\" defaultChunk=\"1\"/>");
-    fresh->getParameter (2).setValue (0.7f);
+    fresh->getAudioParameter (2).setValue (0.7f);
     fresh->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_FLOAT_EQ (fresh->getParameter (2).getRealValue(), 10.0f);
+    EXPECT_FLOAT_EQ (fresh->getAudioParameter (2).getRealValue(), 10.0f);
 }
 
 TEST_F (PresetControllerTest, TwoInstancesSavingOneAfterTheOtherKeepBothPresets)

@@ -16,10 +16,10 @@ namespace
 class PresetURLTest : public ::testing::Test
 {
 protected:
-    float real (int id) { return p->getParameter (id).getRealValue(); }
+    float real (int id) { return p->getAudioParameter (id).getRealValue(); }
     void set (int id, float value)
     {
-        p->getParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
+        p->getAudioParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
     }
     juce::String url() { return TRQPresetURL::settingsAsUrl (*p); }
     juce::String query() { return url().fromFirstOccurrenceOf ("/zolk-comp/3.5.0", false, false); }
@@ -129,7 +129,7 @@ TEST_F (PresetURLTest, SettingsSurviveTheRoundTrip)
     auto other = ProcessorTestSupport::make();
     TRQPresetURL::pasteSettings (*other, text);
     for (int i = 0; i < 21; ++i)
-        EXPECT_EQ (other->getParameter (i).getRealValue(), before[static_cast<size_t> (i)])
+        EXPECT_EQ (other->getAudioParameter (i).getRealValue(), before[static_cast<size_t> (i)])
             << "parameter " << i;
 }
 

@@ -21,7 +21,7 @@ struct HostListener : juce::AudioProcessorListener
 class LinksTest : public ::testing::Test
 {
 protected:
-    TRQAudioParameter& parameter (int id) { return p->getParameter (id); }
+    TRQAudioParameter& parameter (int id) { return p->getAudioParameter (id); }
     bool takeFlag (int id)
     {
         float ignored = 0.0f;

@@ -25,17 +25,17 @@ protected:
 
     TRQUndoManager& history() { return p->getUndoManager(); }
     TRQParameterManager& manager() { return p->getParameterManager(); }
-    float real (int id) { return p->getParameter (id).getRealValue(); }
+    float real (int id) { return p->getAudioParameter (id).getRealValue(); }
 
     void set (int id, float value)
     {
-        p->getParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
+        p->getAudioParameter (id).setValueNotifyingHost (toNormalised (static_cast<ParameterId> (id), value));
     }
 
     // A drag on a control: gesture, one change, release.
     void drag (int id, float value)
     {
-        auto& parameter = p->getParameter (id);
+        auto& parameter = p->getAudioParameter (id);
         parameter.beginChangeGesture();
         set (id, value);
         parameter.endChangeGesture();
@@ -49,7 +49,7 @@ protected:
 
 TEST_F (ParameterManagerTest, AClickThatMovesNothingLeavesNoTrace)
 {
-    auto& parameter = p->getParameter (2);
+    auto& parameter = p->getAudioParameter (2);
     parameter.beginChangeGesture();
     parameter.endChangeGesture();
     EXPECT_EQ (history().getNumTransactions(), 0u);
@@ -106,8 +106,8 @@ TEST_F (ParameterManagerTest, AfterAnUndoTheNextGestureAlwaysBeginsANewStep)
 
 TEST_F (ParameterManagerTest, OverlappingGesturesShareOneAction)
 {
-    auto& compression = p->getParameter (2);
-    auto& output = p->getParameter (5);
+    auto& compression = p->getAudioParameter (2);
+    auto& output = p->getAudioParameter (5);
     compression.beginChangeGesture();
     output.beginChangeGesture();
     set (2, 80.0f);

@@ -56,7 +56,7 @@ TEST_F (UserPrefsTest, WithoutAStoreEachPreferenceTakesItsDefaultAndWritesIt)
     EXPECT_EQ (darkMode.get(), TRQUserPrefs::DarkMode::Off);
     EXPECT_EQ (fontSource.get(), TRQUserPrefs::FontSource::Embedded);
     EXPECT_EQ (keyEntry.get(), TRQUserPrefs::DoubleClickKeyEntry::Off);
-    EXPECT_EQ (language.get(), "English");
+    EXPECT_EQ (language.get(), TRQLanguage::English);
     EXPECT_EQ (metering.get(), TRQUserPrefs::Metering::On);
     EXPECT_EQ (scrolling.get(), TRQUserPrefs::Scrolling::On);
     EXPECT_EQ (scale.get(), 100);
@@ -80,7 +80,7 @@ TEST_F (UserPrefsTest, UnknownValuesHealThemselves)
     scrolling.load();
 
     EXPECT_EQ (metering.get(), TRQUserPrefs::Metering::On);
-    EXPECT_EQ (language.get(), "English");
+    EXPECT_EQ (language.get(), TRQLanguage::English);
     EXPECT_EQ (darkMode.get(), TRQUserPrefs::DarkMode::On);
     EXPECT_EQ (scrolling.get(), TRQUserPrefs::Scrolling::On) << "a value of the other kind counts as missing";
     EXPECT_EQ (stored()["Metering"], 1);
@@ -105,13 +105,14 @@ TEST_F (UserPrefsTest, ChangesReachTheNextLoadAndKeepTheOtherValues)
 {
     store ({{"SomethingElse", "kept"}, {"0001", {{"Own", 3}}}});
     TRQUserPrefs::LanguagePref language;
-    language.set ("Korean");
+    language.set (TRQLanguage::Korean);
     TRQUserPrefs::DarkModePref darkMode;
     darkMode.set (TRQUserPrefs::DarkMode::On);
 
     TRQUserPrefs::LanguagePref again;
     again.load();
-    EXPECT_EQ (again.get(), "Korean");
+    EXPECT_EQ (again.get(), TRQLanguage::Korean);
+    EXPECT_EQ (stored()["Language"], "Korean");
     EXPECT_EQ (stored()["SomethingElse"], "kept");
     EXPECT_EQ (stored()["0001"]["Own"], 3);
     EXPECT_EQ (stored()["DarkMode"], 1);
@@ -135,13 +136,4 @@ TEST_F (UserPrefsTest, ADamagedStoreReadsAsEmpty)
     metering.load();
     EXPECT_EQ (metering.get(), TRQUserPrefs::Metering::On);
     EXPECT_EQ (stored()["Metering"], 1);
-}
-
-TEST (TRQUserPrefsLanguage, KnowsTheElevenStoredNames)
-{
-    for (const char* name : {"English", "Korean", "Japanese", "Portuguese", "French", "Spanish", "Arabic",
-                             "ChineseSimplified", "ChineseTraditional", "Emoji", "Asemic"})
-        EXPECT_EQ (TRQUserPrefs::knownLanguageName (name), name);
-    EXPECT_EQ (TRQUserPrefs::knownLanguageName ("english"), "English");
-    EXPECT_EQ (TRQUserPrefs::knownLanguageName (""), "English");
 }
