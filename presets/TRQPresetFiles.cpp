@@ -106,10 +106,13 @@ std::vector<PresetFileRef> fileRefs()
 
 void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents)
 {
-    if (!file.existsAsFile())
-        return;
-    const auto text = file.loadFileAsString();
-    if (text.isEmpty())
+    if (file.existsAsFile())
+        readText (file.loadFileAsString().toStdString(), kind, inputs, outputs, contents);
+}
+
+void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents)
+{
+    if (text.empty())
         return;
 
     // A section whose presets were read before a failure still gets its entry, so that
@@ -135,7 +138,7 @@ void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, 
 
     try
     {
-        const auto document = nlohmann::json::parse (text.toStdString());
+        const auto document = nlohmann::json::parse (text);
         if (!document.is_object() || !document.contains (pluginNumber()))
             return;
         const auto& plugin = document.at (pluginNumber());

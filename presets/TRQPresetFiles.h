@@ -45,6 +45,8 @@ struct Contents
 // leaves out (inputs, outputs) are skipped, and so are sections left empty. A missing
 // file is empty; a damaged one adds what it held before the damage.
 void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+// The same for the text of a file.
+void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents);
 
 // The section that a new user file starts with.
 nlohmann::json defaultSection();
