@@ -456,3 +456,27 @@ TEST_F (PresetControllerTest, TwoInstancesSavingOneAfterTheOtherKeepBothPresets)
     controller->reload();
     EXPECT_EQ (controller->getPresets().size(), 2u) << "the other instance's preset shows after a reload";
 }
+
+TEST_F (PresetControllerTest, ASavedSessionBringsBackItsPresetLocksAndValues)
+{
+    writeFactory();
+    makeProcessor();
+    controller->selectUuid ("f-2");
+    set (2, 25.0f);
+    set (7, 2.5f);
+    p->getPluginState().setLock (7, true);
+    juce::MemoryBlock chunk;
+    p->getStateInformation (chunk);
+
+    auto fresh = ProcessorTestSupport::make();
+    fresh->setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+    auto freshController = fresh->getPresetController();
+    freshController->reload();
+    freshController->updateModified ({}, {});
+
+    EXPECT_EQ (freshController->getPreset (freshController->getCurrentPresetIndex()).value.name, "Dark");
+    EXPECT_TRUE (freshController->getIsModified());
+    EXPECT_EQ (fresh->getPluginState().getLockStates(), p->getPluginState().getLockStates());
+    for (int i = 0; i < 21; ++i)
+        EXPECT_EQ (fresh->getAudioParameter (i).getValue(), p->getAudioParameter (i).getValue()) << i;
+}
