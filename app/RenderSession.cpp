@@ -1,11 +1,15 @@
 #include "app/RenderSession.h"
 
 #include "app/DemoSignal.h"
+#include "core/HVNPublicDSP.h"
 #include "core/TRQAudioProcessor.h"
+#include "dsp/HVNCompressor.h"
 #include "presets/TRQPresetController.h"
 #include "presets/TRQPresetURL.h"
+#include "state/TRQStateChunk.h"
 
 #include <chrono>
+#include <cmath>
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
 
@@ -147,8 +151,7 @@ void RenderSession::restoreState (TRQAudioProcessor& processor, const juce::File
         throw RenderUsageError ("cannot read state " + file.getFullPathName() + ": no such file");
     // The plug-in quietly ignores a chunk it can't read, as a host expects; here the
     // caller asked for this one, so it is refused instead.
-    const auto xml =
-        juce::AudioProcessor::getXmlFromBinary (chunk.getData(), static_cast<int> (chunk.getSize()));
+    const auto xml = TRQStateChunk::read (chunk.getData(), static_cast<int> (chunk.getSize()));
     if (xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
         throw RenderUsageError ("cannot read state " + file.getFullPathName() +
                                 ": not a saved state of this plug-in");
@@ -272,6 +275,18 @@ RenderReport RenderSession::run()
     juce::MidiBuffer midi;
     BlockSizer sizer (options.blockSize, options.randomBlocks);
 
+    // The compressor's figure of the last block, read on this (the rendering) thread.
+    double maxReductionDb = 0.0;
+    const auto readReduction = [&]
+    {
+        if (plugin.getDSP() == nullptr)
+            return;
+        const auto& dsp = plugin.getDSP()->getCurrentDSP();
+        if (dsp != nullptr && !dsp->meterValues.empty())
+            maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) *
+                                                           HVNCompressor::meterRangeDb);
+    };
+
     const auto started = std::chrono::steady_clock::now();
     for (int position = 0; position < total;)
     {
@@ -293,6 +308,7 @@ RenderReport RenderSession::run()
             processor->processBlockBypassed (block, midi);
         else
             processor->processBlock (block, midi);
+        readReduction();
 
         for (int c = 0; c < outs; ++c)
             output.copyFrom (c, position, block, c, 0, n);
@@ -316,6 +332,7 @@ RenderReport RenderSession::run()
     report.inputRmsDb = RenderReport::rmsDb (input.buffer);
     report.outputPeakDb = RenderReport::peakDb (output);
     report.outputRmsDb = RenderReport::rmsDb (output);
+    report.maxGainReductionDb = maxReductionDb;
     report.realtimeFactor = elapsed > 0.0 ? (total / rate) / elapsed : 0.0;
     if (const auto selected = controller->getPreset (controller->getCurrentPresetIndex()))
         report.preset = selected.value.name;
