@@ -83,8 +83,12 @@ void pasteSettings (TRQAudioProcessor& processor, const juce::String& text)
     auto& manager = processor.getParameterManager();
     manager.beginPresetAction (processor.getPresetController()->lastUuid());
 
+    // Another application's clipboard may hold bytes that aren't UTF-8, which the
+    // tokeniser can't walk: such text reads as no settings at all.
+    const bool isUTF8 =
+        juce::CharPointer_UTF8::isValidString (text.toRawUTF8(), static_cast<int> (text.getNumBytesAsUTF8()));
     juce::StringArray tokens;
-    tokens.addTokens (text, "?", "\"");
+    tokens.addTokens (isUTF8 ? text : juce::String(), "?", "\"");
     if (!tokens.isEmpty())
     {
         const auto query = tokens.size() > 1 ? tokens[1] : juce::String();

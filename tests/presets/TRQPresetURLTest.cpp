@@ -105,11 +105,12 @@ TEST_F (PresetURLTest, AnythingElseGivesTheDefaults)
 
 TEST_F (PresetURLTest, OutOfRangeValuesAreClampedAndWordsReadAsZero)
 {
-    paste ("?cm=150&in=-99&out=loud&cat=0&wfp=nan&lfng=-12.34");
+    paste ("?cm=150&in=-99&out=loud&cat=0&cre=-100&wfp=nan&lfng=-12.34");
     EXPECT_FLOAT_EQ (real (2), 100.0f);
     EXPECT_FLOAT_EQ (real (1), -24.0f);
     EXPECT_FLOAT_EQ (real (5), 0.0f);
     EXPECT_FLOAT_EQ (real (7), 0.1f);
+    EXPECT_FLOAT_EQ (real (8), 0.1f) << "a negative time has no logarithm";
     EXPECT_FLOAT_EQ (real (12), 0.0f);
     EXPECT_FLOAT_EQ (real (13), -12.3f);
 }
