@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <map>
 
 namespace TRQPresetURL
@@ -85,8 +86,8 @@ void pasteSettings (TRQAudioProcessor& processor, const juce::String& text)
 
     // Another application's clipboard may hold bytes that aren't UTF-8, which the
     // tokeniser can't walk: such text reads as no settings at all.
-    const bool isUTF8 =
-        juce::CharPointer_UTF8::isValidString (text.toRawUTF8(), static_cast<int> (text.getNumBytesAsUTF8()));
+    const auto* raw = text.toRawUTF8();
+    const bool isUTF8 = juce::CharPointer_UTF8::isValidString (raw, static_cast<int> (std::strlen (raw)));
     juce::StringArray tokens;
     tokens.addTokens (isUTF8 ? text : juce::String(), "?", "\"");
     if (!tokens.isEmpty())
