@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace
 {
 struct TempFolder
@@ -334,4 +336,35 @@ TEST (RenderSession, ReportsTheCompressorsLargestReduction)
     const auto heavy = render ({"--set", "CompressionAmount=100", (tmp / "b.wav").getFullPathName()});
     EXPECT_GT (light.maxGainReductionDb, 1.0);
     EXPECT_GT (heavy.maxGainReductionDb, light.maxGainReductionDb + 3.0);
+}
+
+TEST (RenderSession, CommandLineFindsUserPresetsInTheHomeDocumentsFolder)
+{
+    TempFolder home;
+    PresetFolder::write (
+        home / "Documents/Halvane/HvnUserPresets.json",
+        {PresetFolder::section ("Mine", {PresetFolder::preset ("Home Preset", "h-1", {{2, 77.0f}})})});
+
+    const juce::String binary = juce::String (ZOLK_BINARY_DIR) + "/app/zolk-render";
+    const juce::String previousHome = std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "";
+    setenv ("HOME", home.dir.getFullPathName().toRawUTF8(), 1);
+    juce::ChildProcess list;
+    const bool started =
+        list.start (juce::StringArray{binary, "--list-presets"}, juce::ChildProcess::wantStdOut);
+    const auto text = started ? list.readAllProcessOutput() : juce::String();
+    list.waitForProcessToFinish (60000);
+
+    juce::ChildProcess render;
+    const auto out = home / "out.wav";
+    render.start (juce::StringArray{binary, "--json", "--preset", "Home Preset", out.getFullPathName()},
+                  juce::ChildProcess::wantStdOut);
+    const auto report = juce::JSON::parse (render.readAllProcessOutput());
+    render.waitForProcessToFinish (60000);
+    setenv ("HOME", previousHome.toRawUTF8(), 1);
+
+    ASSERT_TRUE (started);
+    EXPECT_TRUE (text.startsWith ("Mine (user)\n")) << text;
+    EXPECT_TRUE (text.contains (" Home Preset")) << text;
+    EXPECT_EQ (report["preset"].toString(), "Home Preset");
+    EXPECT_TRUE (report["settings_url"].toString().contains ("cm=77"));
 }
