@@ -125,29 +125,35 @@ bool write (Scope scope, const std::string& key, const std::string& value)
     return juce::WindowsRegistry::setValue (registryPath (scope, key), juce::String (value));
 }
 #else
-bool read (Scope scope, const std::string& key, int& out)
+namespace
+{
+// The stored value of key, or null when there is none.
+nlohmann::json storedValue (Scope scope, const std::string& key)
 {
     const auto document = readDocument();
     const auto* values = valuesOf (document, scope);
     if (values == nullptr)
-        return false;
+        return nullptr;
     const auto found = values->find (key);
-    if (found == values->end() || !found->is_number_integer())
+    return found != values->end() ? *found : nlohmann::json();
+}
+} // namespace
+
+bool read (Scope scope, const std::string& key, int& out)
+{
+    const auto value = storedValue (scope, key);
+    if (!value.is_number_integer())
         return false;
-    out = static_cast<int> (found->get<std::int64_t>() & 0xff);
+    out = static_cast<int> (value.get<std::int64_t>() & 0xff);
     return true;
 }
 
 bool read (Scope scope, const std::string& key, std::string& out)
 {
-    const auto document = readDocument();
-    const auto* values = valuesOf (document, scope);
-    if (values == nullptr)
+    const auto value = storedValue (scope, key);
+    if (!value.is_string())
         return false;
-    const auto found = values->find (key);
-    if (found == values->end() || !found->is_string())
-        return false;
-    out = found->get<std::string>();
+    out = value.get<std::string>();
     return true;
 }
 
