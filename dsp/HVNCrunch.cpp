@@ -1,0 +1,150 @@
+#include "dsp/HVNCrunch.h"
+
+#include "toolkit/HVNSIMD.h"
+#include "toolkit/vHVN.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+// Knee of the negative side, fixed once for all instances (two DSPs may meet
+// it for the first time at once; a function-local static is safe for that).
+struct Knee
+{
+    double db, low, high;
+};
+
+const Knee& knee()
+{
+    static const Knee k = []
+    {
+        Knee n{};
+        n.db = 20.0 * std::log10 (0.00691184530326226) - 4.5;
+        n.low = std::pow (10.0, n.db / 20.0);
+        n.high = std::exp (0.5180816459236602) * n.low;
+        return n;
+    }();
+    return k;
+}
+
+constexpr double negativeTop = 0.00670680953020802;
+constexpr double negativeTopSlope = 0.94274951757942;
+constexpr double negativeSlope = 0.955744302812075;
+constexpr double positiveTop = 0.00859848465084853;
+constexpr double positiveTopSlope = 0.960068541899088;
+constexpr double positiveBottom = 0.00836467013735038;
+constexpr double positiveBottomSlope = 0.950787138155376;
+
+// Butterworth high-pass of order 2, designed as the low-pass at fs/2 - f with
+// the odd coefficients negated.
+HVNCrunch::Section butterworthHighpass (double sampleRate, double frequency)
+{
+    frequency = std::min (frequency, 0.99 * sampleRate * 0.5);
+    const double f = sampleRate * 0.5 - frequency;
+    const double t = std::tan (M_PI * f / sampleRate);
+    const double t2 = t * t;
+    const double c = std::cos (3.0 * M_PI / 4.0);
+    const double u = -2.0 * c * t;
+    const double a0 = t2 + 1.0 + u;
+    return {t2 / a0, -2.0 * t2 / a0, t2 / a0, -(2.0 * t2 - 2.0) / a0, (t2 - u + 1.0) / a0};
+}
+} // namespace
+
+HVNCrunch::HVNCrunch (uint32_t block, double rate, uint32_t numChannels)
+    : blockSize (block)
+    , channels (numChannels)
+    , crunchBlock (numChannels, block)
+    , crunchGain (block)
+    , preState (2 * std::max (numChannels, 1u))
+    , postState (2 * std::max (numChannels, 1u))
+    , dcState (2 * std::max (numChannels, 1u))
+{
+    knee();
+    const double e = std::exp (-2.0 * M_PI * 22050.0 / rate);
+    const double g = std::exp (-2.197241824989568);
+    const double h = std::exp (0.5877348449867302);
+    pre = {((1.0 + e) / 2.0 * (1.0 - g) + g) * h, (-(1.0 + e) / 2.0 * (1.0 - g) - g * e) * h, 0.0, -e, 0.0};
+    post = {1.0 / pre.b0, -e / pre.b0, 0.0, pre.b1 / pre.b0, 0.0};
+    dc = butterworthHighpass (rate, 16.0);
+}
+
+void HVNCrunch::reset()
+{
+    for (auto* s : {&preState, &postState, &dcState})
+        std::fill (s->data(), s->data() + s->size(), 0.0);
+}
+
+void HVNCrunch::run (const Section& s, double* z, double* x, uint32_t n)
+{
+    double z1 = z[0], z2 = z[1];
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        const double in = x[i];
+        const double out = s.b0 * in + z1;
+        z1 = s.b1 * in - s.a1 * out + z2;
+        z2 = s.b2 * in - s.a2 * out;
+        x[i] = out;
+    }
+    z[0] = z1;
+    z[1] = z2;
+}
+
+double HVNCrunch::curve (double v, bool negative, double r)
+{
+    const Knee& k = knee();
+    if (negative)
+    {
+        if (v >= negativeTop)
+            return (v - negativeTop) * negativeTopSlope + negativeTop;
+        if (v < -k.low)
+        {
+            if (-v >= k.high)
+                return (v + k.low) * negativeSlope - k.low;
+            // A cubic blend over the 4.5 dB between the knee's ends.
+            const double t = (20.0 * std::log10 (-v) - k.db) * 0.2222222222222222;
+            const double s = negativeSlope + 3.2 * r;
+            return ((((0.13276709156377497 - s + 1.0) * 0.5 * t + (s + 1.91148860562415 - 3.0)) * t +
+                     (negativeSlope - s) * 0.5) *
+                        t +
+                    1.0) *
+                       (v + k.low) -
+                   k.low;
+        }
+        return v;
+    }
+    if (v >= positiveTop)
+        return (positiveTopSlope - r * 0.95) * (v - positiveTop) + positiveTop;
+    if (v < -positiveBottom)
+        return (v + positiveBottom) * positiveBottomSlope - positiveBottom;
+    return v;
+}
+
+void HVNCrunch::process (HVNAudioBuffer<double>& block, uint32_t n, const HVNEasingFloat<double>& crunch,
+                         const HVNEasingFloat<double>& mix)
+{
+    n = std::min (n, blockSize);
+    if (n == 0)
+        return;
+    auto& simd = HVNSIMD::instance();
+
+    const double* r = crunch.getBuffer();
+    double* gain = crunchGain.data();
+    // Makes up for the positive side's lost slope.
+    vHVN_vMulAddC (r, -1.0, positiveTopSlope, gain, n);
+    simd.vRecip (gain, gain, n);
+
+    for (uint32_t c = 0; c < channels; ++c)
+    {
+        const double* dry = block.channel (c);
+        double* x = crunchBlock.channel (c);
+        std::copy (dry, dry + n, x);
+        run (pre, preState.data() + 2 * c, x, n);
+        for (uint32_t i = 0; i < n; ++i)
+            x[i] = curve (x[i], dry[i] < 0.0, r[i]);
+        run (post, postState.data() + 2 * c, x, n);
+        vHVN_vMulInPlace (gain, x, n);
+        run (dc, dcState.data() + 2 * c, x, n);
+        mix.crossfade (x, dry, block.channel (c), n);
+    }
+}
