@@ -13,8 +13,9 @@ namespace
 {
 // Filters below this length run directly: there is no partition to gain from.
 constexpr uint32_t directBelow = 257;
-// Taps below this magnitude at the end of a design are not computed (-160 dB).
-constexpr double trimThreshold = 1e-8;
+// Taps at the end of a design that are below the resolution of the float path
+// (2^-24 of a full-scale signal) are not computed.
+constexpr double trimThreshold = 5.9604644775390625e-08;
 // A response whose largest bin is below this is flat.
 constexpr double flatBelow = 1e-06;
 
