@@ -217,3 +217,51 @@ TEST (HVNFAMEQ, ShortFiltersRunDirectly)
     for (uint32_t i = 0; i < 128; ++i)
         ASSERT_EQ (h[i], i < p.significantLength ? p.samples[i] : 0.0f) << i;
 }
+
+TEST (HVNFAMEQ, FadeGainsMeetAroundTheFiltersDelay)
+{
+    // Old filter: a unit impulse; new one: twice that. Each path is scaled by the
+    // square root of the ramp before and after its filter, so that for pure delays
+    // the output is exactly the ramp's blend, taken at the time the sample went in.
+    for (bool linear : {false, true})
+    {
+        const uint32_t block = 100, length = 512, delay = linear ? length / 2 : 0;
+        HVNFAMEQ<float, double> eq;
+        eq.init (block, rate, 1, length, linear, 1.0);
+        std::vector<double> flat (256, 0.0), doubled (256, 20.0 * std::log10 (2.0));
+        eq.setMagnitudes (flat.data());
+
+        std::vector<float> x (40000);
+        uint32_t seed = 1;
+        for (auto& v : x)
+            v = float (int32_t (seed = seed * 1664525u + 1013904223u)) * 4.6566e-10f;
+        std::vector<float> y (x.size());
+        HVNAudioBuffer<float> b (1, block);
+        const uint32_t changeAt = 20 * block;
+        for (uint32_t at = 0; at < x.size(); at += block)
+        {
+            if (at == changeAt)
+                eq.setMagnitudes (doubled.data());
+            std::copy (x.begin() + at, x.begin() + at + block, b.channel (0));
+            eq.processFloat (b, block);
+            std::copy (b.channel (0), b.channel (0) + block, y.begin() + at);
+        }
+        EXPECT_FALSE (eq.isFading());
+        // The window takes a hair off the centre tap of the linear-phase design.
+        const double g = eq.getPendingImpulse().samples[delay];
+        EXPECT_NEAR (g, 2.0, 1e-3);
+
+        const double r48 = rate;
+        HVNEasingFloat<float> ramp (x.size(), &r48);
+        ramp.setRatePerSample (float (13.333333333333334 / rate));
+        ramp.setInstant (0.0f);
+        ramp.setTarget (1.0f);
+        ramp.process (uint32_t (x.size() - changeAt));
+        for (uint32_t t = changeAt + delay; t < x.size(); ++t)
+        {
+            const double r = ramp.getBuffer()[t - delay - changeAt];
+            ASSERT_NEAR (y[t], x[t - delay] * (1.0 - r + g * r), 1e-5)
+                << (linear ? "linear " : "minimum ") << t;
+        }
+    }
+}
