@@ -38,6 +38,8 @@ public:
 
     uint32_t getChannels() const { return channels; }
     uint32_t getPartitionCount() const { return partitionCount; }
+    // Partitions already accumulated towards the next block's output.
+    uint32_t getProgress() const { return progress; }
 
 private:
     void processPiece (const float* const* in, float* const* out, uint32_t offset, uint32_t m);

@@ -140,3 +140,31 @@ TEST (HVNPartitionedConvolver, ProcessesWithoutAllocating)
         conv.process (io, io, n);
     EXPECT_EQ (count.allocations(), 0u);
 }
+
+TEST (HVNPartitionedConvolver, SmallCallsShareThePartitionWorkEvenly)
+{
+    const uint32_t taps = 40 * 128; // 38 partitions beyond the direct head
+    HVNPartitionedConvolver conv (2, taps);
+    const auto h = noise (taps, 10);
+    conv.setImpulse (h.data(), taps);
+    std::vector<float> a (8, 0.5f), b (8, -0.5f);
+    float* io[2] = {a.data(), b.data()};
+    for (int i = 0; i < 16; ++i) // one whole block first, so that work is pending
+        conv.process (io, io, 8);
+    uint32_t most = 0;
+    for (int block = 0; block < 4; ++block)
+    {
+        uint32_t before = conv.getProgress();
+        for (int i = 0; i < 15; ++i) // the 16th call completes the block
+        {
+            conv.process (io, io, 8);
+            most = std::max (most, conv.getProgress() - before);
+            before = conv.getProgress();
+        }
+        EXPECT_EQ (conv.getProgress(), 38u) << "all work done before the block's last call";
+        conv.process (io, io, 8);
+        EXPECT_EQ (conv.getProgress(), 0u);
+    }
+    // 38 partitions over the first half of the block's 16 calls.
+    EXPECT_LE (most, 5u);
+}
