@@ -1,6 +1,11 @@
 #include "app/RenderSession.h"
 
 #include "app/DemoSignal.h"
+#include "core/HVNPublicDSP.h"
+#include "core/TRQAudioProcessor.h"
+#include "dsp/HVNCompressor.h"
+
+#include <cmath>
 
 #include <chrono>
 
@@ -184,6 +189,19 @@ RenderReport RenderSession::run()
     juce::MidiBuffer midi;
     BlockSizer sizer (options.blockSize, options.randomBlocks);
 
+    // The compressor's figure of the last block, read on this (the rendering) thread.
+    auto* plugin = dynamic_cast<TRQAudioProcessor*> (processor.get());
+    double maxReductionDb = 0.0;
+    const auto readReduction = [&]
+    {
+        if (plugin == nullptr || plugin->getDSP() == nullptr)
+            return;
+        const auto& dsp = plugin->getDSP()->getCurrentDSP();
+        if (dsp != nullptr && !dsp->meterValues.empty())
+            maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) *
+                                                           HVNCompressor::meterRangeDb);
+    };
+
     const auto started = std::chrono::steady_clock::now();
     for (int position = 0; position < total;)
     {
@@ -205,6 +223,7 @@ RenderReport RenderSession::run()
             processor->processBlockBypassed (block, midi);
         else
             processor->processBlock (block, midi);
+        readReduction();
 
         for (int c = 0; c < outs; ++c)
             output.copyFrom (c, position, block, c, 0, n);
@@ -223,6 +242,7 @@ RenderReport RenderSession::run()
     report.inputRmsDb = RenderReport::rmsDb (input.buffer);
     report.outputPeakDb = RenderReport::peakDb (output);
     report.outputRmsDb = RenderReport::rmsDb (output);
+    report.maxGainReductionDb = maxReductionDb;
     report.realtimeFactor = elapsed > 0.0 ? (total / rate) / elapsed : 0.0;
     return report;
 }

@@ -1,8 +1,9 @@
-// The whole signal path, stereo, per stereo frame: at the factory defaults, and
-// with every continuous control moving (each swept over its range by a slow
-// sine of its own, a new value every block, as automation delivers it).
+// Cost of the signal chain per stereo frame: at the factory defaults, with every
+// continuous parameter moving each block, and the compressor's per-sample loop
+// on its own, linked and unlinked.
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
+#include "state/ParameterBounds.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,74 +13,115 @@ namespace
 {
 using namespace HVNParameterIndex;
 
-struct Sweep
+void setDefaults (HVNAbstractDSP& dsp)
 {
-    uint32_t index;
-    float low, high;
-    double hz;
-};
+    for (uint32_t p = 0; p < count; ++p)
+        dsp.parameters[p].value = ParameterBounds::of (static_cast<ParameterId> (p)).defaultValue;
+}
 
-// Range and sweep rate of every continuous control.
-constexpr Sweep sweeps[] = {
-    {InputGain, -24.0f, 12.0f, 0.31},           {CompressionAmount, 0.0f, 100.0f, 0.23},
-    {WowFlutterAmount, 0.0f, 100.0f, 0.41},     {LoFiAmount, 0.0f, 100.0f, 0.37},
-    {OutputGain, -24.0f, 12.0f, 0.29},          {MasterMix, 0.0f, 100.0f, 0.19},
-    {CompAttackTimeConstant, 0.1f, 8.0f, 0.53}, {CompReleaseTimeConstant, 0.1f, 8.0f, 0.47},
-    {WowFlutterMix, 0.0f, 100.0f, 0.17},        {WowFlutterPhase, 0.0f, 360.0f, 0.13},
-    {LoFiNoiseGain, -96.0f, 12.0f, 0.43},       {LoFiCrunch, 0.0f, 100.0f, 0.59},
-    {DigitalRefLevel, -36.0f, 0.0f, 0.27},      {SidechainExternal, 0.0f, 100.0f, 0.61},
-    {SidechainTilt, -100.0f, 100.0f, 0.67}};
-
-void chain (benchmark::State& state)
+void fill (HVNAudioBuffer<float>& buffer)
 {
-    const double rate = static_cast<double> (state.range (0));
-    const auto block = static_cast<uint32_t> (state.range (1));
-    const bool moving = state.range (2) != 0;
+    for (uint32_t c = 0; c < buffer.channels(); ++c)
+        for (uint32_t i = 0; i < buffer.frames(); ++i)
+            buffer.channel (c)[i] = 0.25f * std::sin (0.01f * static_cast<float> (i + 7 * c));
+}
 
-    HVNZC1DSP dsp (block, rate, 2, 2, 0, 0);
-    HVNAudioBuffer<float> in (2, block), out (2, block), side (0, block);
-    for (uint32_t c = 0; c < 2; ++c)
-        for (uint32_t i = 0; i < block; ++i)
-            in.channel (c)[i] = 0.25f * std::sin (0.01f * static_cast<float> (i + 3 * c));
-
-    double t = 0.0;
-    auto deliver = [&]
-    {
-        for (auto& p : dsp.parameters)
-            p.changed = false;
-        if (!moving)
-            return;
-        for (const auto& s : sweeps)
-        {
-            auto& p = dsp.parameters[s.index];
-            p.value =
-                s.low + (s.high - s.low) * static_cast<float> (0.5 + 0.5 * std::sin (2.0 * M_PI * s.hz * t));
-            p.changed = true;
-        }
-        t += block / rate;
-    };
-
-    // Past the first block's one-off designs.
-    dsp.process (in, out, side, block, false);
-    for (auto _ : state)
-    {
-        deliver();
-        dsp.process (in, out, side, block, false);
-        benchmark::DoNotOptimize (out.channel (0));
-    }
+void perFrame (benchmark::State& state, uint32_t block)
+{
+    state.SetItemsProcessed (state.iterations() * block);
     state.counters["ns_per_frame"] =
-        benchmark::Counter (static_cast<double> (state.iterations()) * block,
+        benchmark::Counter (static_cast<double> (state.iterations() * block),
                             benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void chainArguments (benchmark::internal::Benchmark* b)
+void chain (benchmark::State& state, bool moving)
 {
-    b->ArgNames ({"rate", "block", "moving"});
-    for (int moving : {0, 1})
-        for (int rate : {44100, 48000, 96000})
-            for (int block : {64, 256, 1024})
-                b->Args ({rate, block, moving});
+    const double rate = static_cast<double> (state.range (0));
+    const auto block = static_cast<uint32_t> (state.range (1));
+    HVNZC1DSP dsp (block, rate, 2, 2, 0, 0);
+    HVNAudioBuffer<float> in (2, block), out (2, block), side (0, block);
+    fill (in);
+    setDefaults (dsp);
+
+    uint32_t step = 0;
+    for (auto _ : state)
+    {
+        if (moving)
+        {
+            // Each continuous control on a slow sweep of its own.
+            const float x = 0.5f + 0.5f * std::sin (0.05f * static_cast<float> (++step));
+            const uint32_t continuous[] = {
+                InputGain,       CompressionAmount,      WowFlutterAmount,        OutputGain,
+                MasterMix,       CompAttackTimeConstant, CompReleaseTimeConstant, WowFlutterMix,
+                WowFlutterPhase, DigitalRefLevel,        SidechainExternal,       SidechainTilt,
+                LoFiAmount,      LoFiNoiseGain,          LoFiCrunch};
+            const float low[] = {-12, 0, 0, -12, 50, 0.5f, 0.5f, 50, 0, -30, 0, -50, 0, -60, 0};
+            const float high[] = {6, 100, 100, 6, 100, 4, 4, 100, 180, -6, 100, 50, 100, 0, 100};
+            for (size_t k = 0; k < std::size (continuous); ++k)
+            {
+                dsp.parameters[continuous[k]].value = low[k] + x * (high[k] - low[k]);
+                dsp.parameters[continuous[k]].changed = true;
+            }
+        }
+        dsp.process (in, out, side, block, false);
+        for (auto& p : dsp.parameters)
+            p.changed = false;
+        benchmark::DoNotOptimize (out.channel (0));
+    }
+    perFrame (state, block);
+}
+
+void chainDefaults (benchmark::State& state)
+{
+    chain (state, false);
+}
+
+void chainMoving (benchmark::State& state)
+{
+    chain (state, true);
+}
+
+// The compressor alone, as the chain runs it: a level well above the threshold,
+// at rest, linked (one loop for both channels) or not.
+void compressor (benchmark::State& state)
+{
+    const auto block = static_cast<uint32_t> (state.range (0));
+    const bool linked = state.range (1) != 0;
+    HVNZC1DSP owner (block, 48000.0, 2, 2, 0, 0);
+    setDefaults (owner);
+    owner.parameters[CompStereoLink].value = linked ? 1.0f : 0.0f;
+    owner.reset();
+    owner.mixEase.setInstant (1.0);
+    owner.refGainEase.process (block);
+    HVNSidechainState sidechainState;
+    sidechainState.update (false);
+    HVNAudioBuffer<double> source (2, block), main (2, block), side (2, block);
+    for (uint32_t c = 0; c < 2; ++c)
+        for (uint32_t i = 0; i < block; ++i)
+            source.channel (c)[i] = 0.25 * std::sin (0.01 * (i + 7 * c));
+    auto& stage = owner.getCompressor();
+
+    for (auto _ : state)
+    {
+        main.copyFrom (source, block);
+        stage.process (main, side, sidechainState, block);
+        for (auto& p : owner.parameters)
+            p.changed = false;
+        benchmark::DoNotOptimize (main.channel (0));
+    }
+    perFrame (state, block);
 }
 } // namespace
 
-BENCHMARK (chain)->Name ("Chain/stereo")->Apply (chainArguments);
+BENCHMARK (chainDefaults)
+    ->Name ("Chain/defaults")
+    ->ArgNames ({"rate", "block"})
+    ->ArgsProduct ({{44100, 48000, 96000}, {64, 256, 1024}});
+BENCHMARK (chainMoving)
+    ->Name ("Chain/moving")
+    ->ArgNames ({"rate", "block"})
+    ->ArgsProduct ({{44100, 48000, 96000}, {64, 256, 1024}});
+BENCHMARK (compressor)
+    ->Name ("Compressor/48k_stereo")
+    ->ArgNames ({"block", "linked"})
+    ->ArgsProduct ({{256}, {0, 1}});

@@ -49,8 +49,11 @@ target_compile_definitions(ZolkCompressor
     JucePlugin_LV2URI="${ZOLK_LV2_URI}"
     ZOLK_MAKER_URL="${ZOLK_MAKER_URL}")
 
+include(ZolkResources)
+
 target_link_libraries(ZolkCompressor
   PRIVATE
+    ZolkResources
     juce::juce_audio_utils
     juce::juce_opengl
   PUBLIC
@@ -58,7 +61,12 @@ target_link_libraries(ZolkCompressor
     nlohmann_json::nlohmann_json
     juce::juce_recommended_config_flags)
 
-target_link_options(ZolkCompressor PUBLIC -Wl,--exclude-libs,ALL)
+# The plug-in modules keep the static libraries they carry (FFTW among them) to
+# themselves, so that a host with its own copies never mixes them up. Executables
+# don't need this, and sanitizer runtimes must stay visible there.
+foreach(format VST3 LV2)
+  target_link_options(ZolkCompressor_${format} PRIVATE -Wl,--exclude-libs,ALL)
+endforeach()
 
 # Consumers of the static library (tests, renderer, benchmarks) see JUCE's headers
 # with the plug-in's own configuration, without compiling the modules again.

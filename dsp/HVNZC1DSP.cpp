@@ -1,43 +1,202 @@
 #include "dsp/HVNZC1DSP.h"
 
+#include "dsp/HVNParameterIndex.h"
 #include "toolkit/HVNVec.h"
 
 #include <algorithm>
 #include <cmath>
 
-uint32_t HVNZC1DSP::lookAheadFor (double rate)
+namespace
 {
-    return 4u + static_cast<uint32_t> (std::lround (0.000272 * rate));
+using namespace HVNParameterIndex;
+
+// DigitalRefLevel is measured against this level inside the chain.
+constexpr double referenceDb = -18.0;
+
+void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
+{
+    ease.setRange (range);
+    ease.setRatePerSample (ratePerSecond / sampleRate);
+}
+} // namespace
+
+uint32_t HVNZC1DSP::latencyFor (double rate, uint32_t factor)
+{
+    const uint32_t lookAhead = HVNCompressor::lookAheadFor (rate);
+    if (factor > 1)
+        return (lookAhead + 2 + factor - 1) / factor * factor;
+    return lookAhead + 4;
 }
 
 HVNZC1DSP::HVNZC1DSP (uint32_t block, double rate, uint32_t inputs, uint32_t outputs, uint32_t sidechains,
                       uint32_t factor)
     : HVNAbstractDSP (block, rate, inputs, outputs, sidechains, factor)
-    , routed (outputs, block)
-    , delay (outputs, lookAheadFor (rate) + block, true)
+    , mixEase (block, &sampleRate, &resetCallbacks)
+    , inputGainEase (block, &sampleRate, &resetCallbacks)
+    , outputGainEase (block, &sampleRate, &resetCallbacks)
+    , refGainEase (block, &sampleRate, &resetCallbacks)
+    , listenEase (block, &sampleRate, &resetCallbacks)
+    , noiseGainEase (block, &sampleRate, &resetCallbacks)
+    , lofiAmountEase (block, &sampleRate, &resetCallbacks)
+    , lofiTypeEase (block, &sampleRate, &resetCallbacks)
+    , crunchEase (block, &sampleRate, &resetCallbacks)
+    , mainBlock (outputs, block)
+    , sidechainBlock (outputs, block)
+    , shaperScratch (1, block)
+    , wowFlutter (*this)
+    // 5-7: the lo-fi stages (analog response filter, hum table and noise state,
+    // digital averaging and crunch filters) are built here.
+    , compressor (*this, mixEase, refGainEase)
 {
-    setLatency (lookAheadFor (rate));
+    const double sr = sampleRate;
+    configure (mixEase, 1.0, 6.6666666666666670, sr);
+    for (auto* gain : {&inputGainEase, &outputGainEase, &refGainEase})
+    {
+        configure (*gain, 12.0, 80.0, sr);
+        // The plain value first: the conversion applies from the first block on.
+        gain->setInstant (1.0);
+        gain->addConversion (HVNEasingConversion::decibelsToLinear);
+    }
+    configure (listenEase, 1.0, 6.6666666666666670, sr);
+    configure (noiseGainEase, 1.0, 6.6666666666666670, sr);
+    noiseGainEase.link (HVNEasingLink::multiply, mixEase);
+    configure (lofiAmountEase, 1.0, 6.6666666666666670, sr);
+    lofiAmountEase.link (HVNEasingLink::multiply, mixEase);
+    configure (lofiTypeEase, 1.0, 6.6666666666666670, sr);
+    configure (crunchEase, 0.33, 2.2, sr);
+
+    if (factor > 1)
+    {
+        setLatency (latencyFor (sr, factor));
+        alignSamples = getLatencySamples() - (compressor.getLookAhead() + 2);
+        alignDelay = std::make_unique<HVNCircularBuffer<double>> (outputs, alignSamples + block, true);
+    }
+    else
+    {
+        setLatency (latencyFor (sr, factor));
+        alignSamples = 0;
+    }
+}
+
+void HVNZC1DSP::reset()
+{
+    wowFlutter.reset();
+    // The lo-fi stages clear their filters and averaging states here.
+    compressor.reset();
+    if (alignDelay)
+        alignDelay->reset();
+    HVNAbstractDSP::reset();
+}
+
+void HVNZC1DSP::resetPhases()
+{
+    wowFlutter.resetPhases();
+}
+
+void HVNZC1DSP::updateGains()
+{
+    if (parameterChanged (MasterMix))
+        mixEase.setTarget (parameterValue (MasterMix) * 0.01);
+    if (parameterChanged (InputGain))
+        inputGainEase.setTarget (parameterValue (InputGain));
+    if (parameterChanged (OutputGain))
+        outputGainEase.setTarget (parameterValue (OutputGain));
+    if (parameterChanged (DigitalRefLevel))
+        refGainEase.setTarget (referenceDb - parameterValue (DigitalRefLevel));
 }
 
 void HVNZC1DSP::process (const HVNAudioBuffer<float>& input, HVNAudioBuffer<float>& output,
-                         const HVNAudioBuffer<float>&, uint32_t numSamples, bool)
+                         const HVNAudioBuffer<float>& sidechain, uint32_t numSamples, bool sidechainActive)
 {
     const uint32_t n = std::min (numSamples, blockSize);
     if (n == 0)
         return;
 
-    routed.copyFrom (input, n);
-    delay.write (routed, 0, n);
+    // 1-2
+    updateGains();
+    mixEase.process (n);
+    mainBlock.convertFrom (input, n);
 
-    const uint32_t start = delay.positionBeforeLastWrite (getLatencySamples());
-    const uint32_t channels = std::min (output.channels(), numOutputs);
-    for (uint32_t c = 0; c < channels; ++c)
-        if (float* out = output.channel (c))
-            HVNVec::copy (delay.lane (c) + start, out, n);
+    // 3
+    const bool external = sidechainActive && numSidechains > 0 && sidechain.channels() > 0;
+    sidechainState.update (external);
+    if (external)
+        sidechainBlock.convertFrom (sidechain, n);
+
+    // 4: input level tap
+    inputGainEase.process (n);
+    inputGainEase.multiply (mainBlock, n);
+    if (meterMessaging)
+        meterMessaging->writeBuffer (0, mainBlock, n);
+
+    // 5: from here on DigitalRefLevel sits at the chain's reference level
+    refGainEase.process (n);
+    refGainEase.multiply (mainBlock, n);
+    if (external)
+        refGainEase.multiply (sidechainBlock, n);
+
+    // 6: hum and hiss
+    // 7: crunch
+
+    // 8
+    compressor.process (mainBlock, sidechainBlock, sidechainState, n);
+
+    // 9: shaper
+    // 10: digital lo-fi
+    // 11: analog lo-fi response
+
+    // 12
+    wowFlutter.process (mainBlock, n);
+
+    // 13-15: output level tap
+    outputGainEase.process (n);
+    outputGainEase.multiply (mainBlock, n);
+    refGainEase.divide (mainBlock, n);
+    if (meterMessaging)
+        meterMessaging->writeBuffer (1, mainBlock, n);
+
+    // 16-17
+    runListen (n);
+
+    // 18-19
+    writeOutput (output, n);
 }
 
-void HVNZC1DSP::reset()
+void HVNZC1DSP::runListen (uint32_t n)
 {
-    delay.reset();
-    HVNAbstractDSP::reset();
+    if (parameterChanged (SidechainListen) || sidechainState.changed)
+    {
+        if (sidechainState.active)
+            retarget (listenEase, parameterValue (SidechainListen) == 1.0f ? 1.0 : 0.0);
+        else
+            listenEase.setInstant (0.0);
+    }
+    if (!sidechainState.active)
+        return;
+
+    listenEase.process (n);
+    if (!listenEase.isActive() && listenEase.getValue() == 0.0)
+        return;
+    // What the detector hears, back at the outside level, in place of the chain.
+    refGainEase.divide (sidechainBlock, n);
+    for (uint32_t c = 0; c < numOutputs; ++c)
+        listenEase.crossfade (sidechainBlock.channel (c), mainBlock.channel (c), mainBlock.channel (c), n);
+}
+
+void HVNZC1DSP::writeOutput (HVNAudioBuffer<float>& output, uint32_t n)
+{
+    const uint32_t channels = std::min (output.channels(), numOutputs);
+    if (!alignDelay)
+    {
+        for (uint32_t c = 0; c < channels; ++c)
+            if (float* out = output.channel (c))
+                HVNVec::convert (mainBlock.channel (c), out, n);
+        return;
+    }
+    // At the high rates the latency is filled up to whole host samples.
+    alignDelay->write (mainBlock, 0, n);
+    const uint32_t start = alignDelay->positionBeforeLastWrite (alignSamples);
+    for (uint32_t c = 0; c < channels; ++c)
+        if (float* out = output.channel (c))
+            HVNVec::convert (alignDelay->lane (c) + start, out, n);
 }

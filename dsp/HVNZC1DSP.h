@@ -1,16 +1,24 @@
 #pragma once
 
 #include "dsp/HVNAbstractDSP.h"
+#include "dsp/HVNCompressor.h"
+#include "dsp/HVNSidechainState.h"
+#include "dsp/HVNWowFlutter.h"
+#include "toolkit/HVNAudioBuffer.h"
 #include "toolkit/HVNCircularBuffer.h"
+#include "toolkit/HVNEasingFloat.h"
 
 #include <cstdint>
+#include <memory>
 
-// The plug-in's signal path.
+// The plug-in's signal path, in 64-bit floats on whole blocks: input gain,
+// reference gain, hum and hiss, crunch, compressor, shaper, digital lo-fi,
+// analog response, wow and flutter, output gain, sidechain listen. Between the
+// reference gain and its removal at the end the chain works at a level where
+// DigitalRefLevel counts as -18 dB, which fixes the constants of every stage.
 //
-// For now this is a pass-through with the chain's look-ahead delay
-// (4 + round(0.000272 x sampleRate) samples of its own rate), so that the host
-// side, latency reporting and bypass can be built and tested against the right
-// timing before the stages arrive. A mono input feeds every output channel.
+// There is no parallel dry path: MasterMix acts inside each stage, so at 0 the
+// chain is transparent apart from its delay.
 class HVNZC1DSP : public HVNAbstractDSP
 {
 public:
@@ -20,11 +28,32 @@ public:
     void process (const HVNAudioBuffer<float>& input, HVNAudioBuffer<float>& output,
                   const HVNAudioBuffer<float>& sidechain, uint32_t numSamples, bool sidechainActive) override;
     void reset() override;
+    void resetPhases() override;
     uint32_t getNumParameters() const override { return numParameters; }
 
-    static uint32_t lookAheadFor (double sampleRate);
+    // In samples of the DSP's own rate: the look-ahead plus the wow stage's fixed
+    // delay, rounded up to whole host samples at the high rates.
+    static uint32_t latencyFor (double sampleRate, uint32_t upsampleFactor);
+
+    HVNCompressor& getCompressor() { return compressor; }
+    HVNWowFlutter& getWowFlutter() { return wowFlutter; }
+    uint32_t getAlignSamples() const { return alignSamples; }
+    const HVNSidechainState& getSidechainState() const { return sidechainState; }
+
+    // The chain's easings; the lo-fi stages read and drive their own ones here.
+    HVNEasingFloat<double> mixEase, inputGainEase, outputGainEase, refGainEase, listenEase;
+    HVNEasingFloat<double> noiseGainEase, lofiAmountEase, lofiTypeEase, crunchEase;
 
 private:
-    HVNAudioBuffer<float> routed; // input mapped onto the output channels
-    HVNCircularBuffer<float> delay;
+    void updateGains();
+    void runListen (uint32_t n);
+    void writeOutput (HVNAudioBuffer<float>& output, uint32_t n);
+
+    HVNAudioBuffer<double> mainBlock, sidechainBlock;
+    HVNSidechainState sidechainState;
+    HVNAudioBuffer<double> shaperScratch;
+    HVNWowFlutter wowFlutter;
+    HVNCompressor compressor;
+    uint32_t alignSamples = 0;
+    std::unique_ptr<HVNCircularBuffer<double>> alignDelay;
 };

@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, tests and tools need, only those missing.
+# Installs the Debian packages the build and tests need, only those missing.
+#   bash scripts/install-deps.sh            build, tests, benchmarks, fuzzing
+#   bash scripts/install-deps.sh artwork    also what regenerating the artwork needs
 set -euo pipefail
 
 packages=(
@@ -10,6 +12,10 @@ packages=(
   xvfb xauth mesa-utils imagemagick sox
   clang libclang-rt-14-dev
 )
+
+if [ "${1:-}" = "artwork" ]; then
+  packages+=(libharfbuzz-dev libfreetype-dev python3-fonttools fonts-noto-core fonts-noto-cjk fonts-symbola)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

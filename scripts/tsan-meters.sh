@@ -1,21 +1,11 @@
 #!/usr/bin/env bash
-# ThreadSanitizer run of the meter channel and the DSP swap, outside the normal
-# build and CI: bash scripts/tsan-meters.sh [blocks]
+# ThreadSanitizer run of the meter channel and the DSP swap, in its own build
+# directory, outside the normal build and CI: bash scripts/tsan-meters.sh [blocks]
 set -euo pipefail
-ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-OUT="$ROOT/tsan-build"
-mkdir -p "$OUT"
+source "$(dirname "${BASH_SOURCE[0]}")/env.sh"
+bash "$ZOLK_ROOT/scripts/install-deps.sh"
 
-SOURCES=(
-  scripts/tsan/MeterMessagingStress.cpp
-  meters/MeterMessaging.cpp
-  toolkit/HVNVec.cpp toolkit/HVNArray.cpp toolkit/HVNAudioBuffer.cpp toolkit/HVNCircularBuffer.cpp
-  toolkit/HVNEasingFloat.cpp toolkit/HVNSRC.cpp
-  dsp/HVNAbstractDSP.cpp dsp/HVNZC1DSP.cpp
-  core/HVNPublicDSP.cpp core/HVNBypassFader.cpp core/HVNRebuildWorker.cpp
-)
-
-cd "$ROOT"
-g++ -std=c++17 -O1 -g -fsanitize=thread -pthread -Wall -Wextra -Werror -I"$ROOT" \
-  "${SOURCES[@]}" -o "$OUT/meter-stress"
-TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" "$OUT/meter-stress" "${1:-200000}"
+build="$ZOLK_ROOT/tsan-build"
+cmake -S "$ZOLK_ROOT" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZOLK_TSAN=ON -DZOLK_BUILD_BENCH=OFF
+cmake --build "$build" -j"$(nproc)" --target zolk_meter_stress
+TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" "$build/tests/zolk_meter_stress" "${1:-200000}"

@@ -1,5 +1,6 @@
 #include "toolkit/HVNEasingFloat.h"
 
+#include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNVec.h"
 
 #include <algorithm>
@@ -251,19 +252,16 @@ void HVNEasingFloat<T>::multiply (T* const* channels, uint32_t numChannels, uint
     n = std::min (n, capacity);
     if (isActive())
     {
-        const T* g = buffer.data();
         for (uint32_t c = 0; c < numChannels; ++c)
             if (T* x = channels[c])
-                for (uint32_t i = 0; i < n; ++i)
-                    x[i] *= g[i];
+                HVNSIMD::instance().vMulInPlace (buffer.data(), x, n);
         return;
     }
     if (value == static_cast<T> (1))
         return;
     for (uint32_t c = 0; c < numChannels; ++c)
         if (T* x = channels[c])
-            for (uint32_t i = 0; i < n; ++i)
-                x[i] *= value;
+            HVNSIMD::instance().vScalarMul (x, value, x, n);
 }
 
 template<typename T>
@@ -278,11 +276,9 @@ void HVNEasingFloat<T>::divide (T* const* channels, uint32_t numChannels, uint32
     n = std::min (n, capacity);
     if (isActive())
     {
-        const T* g = buffer.data();
         for (uint32_t c = 0; c < numChannels; ++c)
             if (T* x = channels[c])
-                for (uint32_t i = 0; i < n; ++i)
-                    x[i] /= g[i];
+                HVNSIMD::instance().vDiv (x, buffer.data(), x, n);
         return;
     }
     if (value == static_cast<T> (1))
@@ -290,8 +286,7 @@ void HVNEasingFloat<T>::divide (T* const* channels, uint32_t numChannels, uint32
     const T inverse = static_cast<T> (1) / value;
     for (uint32_t c = 0; c < numChannels; ++c)
         if (T* x = channels[c])
-            for (uint32_t i = 0; i < n; ++i)
-                x[i] *= inverse;
+            HVNSIMD::instance().vScalarMul (x, inverse, x, n);
 }
 
 template<typename T>
@@ -316,8 +311,7 @@ void HVNEasingFloat<T>::crossfade (const T* wet, const T* dry, T* destination, u
     else if (value == static_cast<T> (1))
         HVNVec::move (wet, destination, n);
     else
-        for (uint32_t i = 0; i < n; ++i)
-            destination[i] = wet[i] * value + dry[i] * (static_cast<T> (1) - value);
+        HVNSIMD::instance().vScalarMix (wet, value, dry, static_cast<T> (1) - value, destination, n);
 }
 
 template<typename T>

@@ -1,31 +1,14 @@
 #include "core/ProcessorTestSupport.h"
 
+#include "support/BusLayouts.h"
+
 #include <cmath>
 
 namespace ProcessorTestSupport
 {
-juce::AudioChannelSet channels (int count)
-{
-    switch (count)
-    {
-    case 0:
-        return juce::AudioChannelSet::disabled();
-    case 1:
-        return juce::AudioChannelSet::mono();
-    case 2:
-        return juce::AudioChannelSet::stereo();
-    default:
-        return juce::AudioChannelSet::discreteChannels (count);
-    }
-}
-
 juce::AudioProcessor::BusesLayout layout (int ins, int outs, int sidechain)
 {
-    juce::AudioProcessor::BusesLayout l;
-    l.inputBuses.add (channels (ins));
-    l.inputBuses.add (channels (sidechain));
-    l.outputBuses.add (channels (outs));
-    return l;
+    return BusLayouts::make (ins, outs, sidechain);
 }
 
 std::unique_ptr<TRQAudioProcessor> make (int ins, int outs, int sidechain, bool asAAX)

@@ -9,8 +9,6 @@
 // Builds processors and layouts the way a host would, for the processor's tests.
 namespace ProcessorTestSupport
 {
-juce::AudioChannelSet channels (int count);
-
 juce::AudioProcessor::BusesLayout layout (int ins, int outs, int sidechain);
 
 // A processor with the given layout, not yet prepared. With `asAAX` the processor

@@ -59,6 +59,12 @@ juce::AudioBuffer<float> run (juce::AudioProcessor& processor, const juce::Audio
     juce::AudioBuffer<float> block (std::max (ins, processor.getTotalNumOutputChannels()), blockSize);
     juce::MidiBuffer midi;
 
+    // Some formats bypass through the plug-in's own bypass control (LV2's enabled
+    // port), which a host sets around the bypassed blocks.
+    auto* bypass = bypassed ? processor.getBypassParameter() : nullptr;
+    if (bypass != nullptr)
+        bypass->setValueNotifyingHost (1.0f);
+
     for (int position = 0; position < total; position += blockSize)
     {
         const int n = std::min (blockSize, total - position);
@@ -75,6 +81,8 @@ juce::AudioBuffer<float> run (juce::AudioProcessor& processor, const juce::Audio
         for (int c = 0; c < outs; ++c)
             output.copyFrom (c, position, block, c, 0, n);
     }
+    if (bypass != nullptr)
+        bypass->setValueNotifyingHost (0.0f);
     return output;
 }
 } // namespace HostedPlugin

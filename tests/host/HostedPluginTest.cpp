@@ -1,4 +1,5 @@
 #include "HostedPlugin.h"
+#include "support/BusLayouts.h"
 
 #include <gtest/gtest.h>
 
@@ -69,25 +70,7 @@ juce::AudioBuffer<float> sineBurst (int channels, int length, double rate)
 
 juce::AudioProcessor::BusesLayout layout (int ins, int outs, int sidechain)
 {
-    const auto set = [] (int n)
-    {
-        switch (n)
-        {
-        case 0:
-            return juce::AudioChannelSet::disabled();
-        case 1:
-            return juce::AudioChannelSet::mono();
-        case 2:
-            return juce::AudioChannelSet::stereo();
-        default:
-            return juce::AudioChannelSet::discreteChannels (n);
-        }
-    };
-    juce::AudioProcessor::BusesLayout l;
-    l.inputBuses.add (set (ins));
-    l.inputBuses.add (set (sidechain));
-    l.outputBuses.add (set (outs));
-    return l;
+    return BusLayouts::make (ins, outs, sidechain);
 }
 
 // Largest difference between the output and the input delayed by `latency`, from `from` on.
