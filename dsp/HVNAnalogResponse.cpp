@@ -1,6 +1,6 @@
 #include "dsp/HVNAnalogResponse.h"
 
-#include "dsp/HVNLoFiTables.h"
+#include "dsp/generated/HVNLoFiTables.h"
 #include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNVec.h"
 #include "toolkit/vHVN.h"

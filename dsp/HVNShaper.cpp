@@ -1,6 +1,6 @@
 #include "dsp/HVNShaper.h"
 
-#include "dsp/HVNLoFiTables.h"
+#include "dsp/generated/HVNLoFiTables.h"
 #include "toolkit/vHVN.h"
 
 #include <algorithm>

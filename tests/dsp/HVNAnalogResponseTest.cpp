@@ -1,5 +1,5 @@
 #include "dsp/HVNAnalogResponse.h"
-#include "dsp/HVNLoFiTables.h"
+#include "dsp/generated/HVNLoFiTables.h"
 #include "toolkit/vHVN.h"
 
 #include "support/AllocationCounter.h"

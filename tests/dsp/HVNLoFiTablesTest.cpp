@@ -1,4 +1,4 @@
-#include "dsp/HVNLoFiTables.h"
+#include "dsp/generated/HVNLoFiTables.h"
 #include "dsp/HVNShaper.h"
 #include "toolkit/vHVN.h"
 
