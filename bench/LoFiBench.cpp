@@ -69,9 +69,9 @@ void crunch (benchmark::State& state)
 void shaper (benchmark::State& state)
 {
     const auto block = static_cast<uint32_t> (state.range (0));
-    HVNShaper stage (block);
+    HVNArray<double> scratch (block);
     Setting mix (block, 1.0);
-    runStage (state, [&] (auto& b, uint32_t n) { stage.process (b, n, mix.ease); });
+    runStage (state, [&] (auto& b, uint32_t n) { HVNShaper::process (b, n, mix.ease, scratch.data()); });
 }
 
 void digital (benchmark::State& state)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "toolkit/HVNArray.h"
 #include "toolkit/HVNAudioBuffer.h"
 #include "toolkit/HVNEasingFloat.h"
 
@@ -8,19 +7,13 @@
 
 // The tape-like soft clipper after the compressor: transparent up to about
 // three quarters of full scale, then bending smoothly into a ceiling a little
-// above it.
-class HVNShaper
+// above it. It holds no state.
+namespace HVNShaper
 {
-public:
-    explicit HVNShaper (uint32_t blockSize);
+// The curve for a block of samples.
+void shape (const double* in, double* out, uint32_t n);
 
-    // mix crossfades the shaped signal against the input.
-    void process (HVNAudioBuffer<double>& block, uint32_t n, const HVNEasingFloat<double>& mix);
-
-    // The curve for a block of samples.
-    static void shape (const double* in, double* out, uint32_t n);
-
-private:
-    uint32_t blockSize;
-    HVNArray<double> scratch;
-};
+// Each channel shaped into scratch (n samples), then crossfaded by mix against
+// the channel's own input.
+void process (HVNAudioBuffer<double>& block, uint32_t n, const HVNEasingFloat<double>& mix, double* scratch);
+} // namespace HVNShaper
