@@ -84,7 +84,8 @@ struct ChainRunner
 // ChainRunner; the HVNZC1DSP only owns the parameters, easings and compressor.
 struct CompressorRunner : ChainRunner
 {
-    CompressorRunner (uint32_t maxBlock, double rate, uint32_t ins = 2, uint32_t outs = 2, uint32_t sidechains = 0)
+    CompressorRunner (uint32_t maxBlock, double rate, uint32_t ins = 2, uint32_t outs = 2,
+                      uint32_t sidechains = 0)
         : ChainRunner (maxBlock, rate, ins, outs, sidechains)
         , main (outs, maxBlock)
         , detect (outs, maxBlock)
@@ -100,8 +101,8 @@ struct CompressorRunner : ChainRunner
         for (long t = 0; t < length;)
         {
             uint32_t n = nextBlock ? nextBlock() : dsp.blockSize;
-            n = static_cast<uint32_t> (std::min<long> ({static_cast<long> (n), length - t,
-                                                        static_cast<long> (dsp.blockSize)}));
+            n = static_cast<uint32_t> (
+                std::min<long> ({static_cast<long> (n), length - t, static_cast<long> (dsp.blockSize)}));
             for (uint32_t c = 0; c < in.channels(); ++c)
                 for (uint32_t i = 0; i < n; ++i)
                     in.channel (c)[i] = input (c, t + i);
