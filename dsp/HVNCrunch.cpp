@@ -49,50 +49,8 @@ HVNCrunch::Section butterworthHighpass (double sampleRate, double frequency)
     const double a0 = t2 + 1.0 + u;
     return {t2 / a0, -2.0 * t2 / a0, t2 / a0, -(2.0 * t2 - 2.0) / a0, (t2 - u + 1.0) / a0};
 }
-} // namespace
-
-HVNCrunch::HVNCrunch (uint32_t block, double rate, uint32_t numChannels)
-    : blockSize (block)
-    , channels (numChannels)
-    , crunchBlock (numChannels, block)
-    , crunchGain (block)
-    , preState (2 * std::max (numChannels, 1u))
-    , postState (2 * std::max (numChannels, 1u))
-    , dcState (2 * std::max (numChannels, 1u))
+inline double curveAt (const Knee& k, double v, bool negative, double r)
 {
-    knee();
-    const double e = std::exp (-2.0 * M_PI * 22050.0 / rate);
-    const double g = std::exp (-2.197241824989568);
-    const double h = std::exp (0.5877348449867302);
-    pre = {((1.0 + e) / 2.0 * (1.0 - g) + g) * h, (-(1.0 + e) / 2.0 * (1.0 - g) - g * e) * h, 0.0, -e, 0.0};
-    post = {1.0 / pre.b0, -e / pre.b0, 0.0, pre.b1 / pre.b0, 0.0};
-    dc = butterworthHighpass (rate, 16.0);
-}
-
-void HVNCrunch::reset()
-{
-    for (auto* s : {&preState, &postState, &dcState})
-        std::fill (s->data(), s->data() + s->size(), 0.0);
-}
-
-void HVNCrunch::run (const Section& s, double* z, double* x, uint32_t n)
-{
-    double z1 = z[0], z2 = z[1];
-    for (uint32_t i = 0; i < n; ++i)
-    {
-        const double in = x[i];
-        const double out = s.b0 * in + z1;
-        z1 = s.b1 * in - s.a1 * out + z2;
-        z2 = s.b2 * in - s.a2 * out;
-        x[i] = out;
-    }
-    z[0] = z1;
-    z[1] = z2;
-}
-
-double HVNCrunch::curve (double v, bool negative, double r)
-{
-    const Knee& k = knee();
     if (negative)
     {
         if (v >= negativeTop)
@@ -120,6 +78,37 @@ double HVNCrunch::curve (double v, bool negative, double r)
     return v;
 }
 
+} // namespace
+
+HVNCrunch::HVNCrunch (uint32_t block, double rate, uint32_t numChannels)
+    : blockSize (block)
+    , channels (numChannels)
+    , crunchBlock (numChannels, block)
+    , crunchGain (block)
+    , preState (2 * std::max (numChannels, 1u))
+    , postState (2 * std::max (numChannels, 1u))
+    , dcState (2 * std::max (numChannels, 1u))
+{
+    knee();
+    const double e = std::exp (-2.0 * M_PI * 22050.0 / rate);
+    const double g = std::exp (-2.197241824989568);
+    const double h = std::exp (0.5877348449867302);
+    pre = {((1.0 + e) / 2.0 * (1.0 - g) + g) * h, (-(1.0 + e) / 2.0 * (1.0 - g) - g * e) * h, 0.0, -e, 0.0};
+    post = {1.0 / pre.b0, -e / pre.b0, 0.0, pre.b1 / pre.b0, 0.0};
+    dc = butterworthHighpass (rate, 16.0);
+}
+
+void HVNCrunch::reset()
+{
+    for (auto* s : {&preState, &postState, &dcState})
+        std::fill (s->data(), s->data() + s->size(), 0.0);
+}
+
+double HVNCrunch::curve (double v, bool negative, double r)
+{
+    return curveAt (knee(), v, negative, r);
+}
+
 void HVNCrunch::process (HVNAudioBuffer<double>& block, uint32_t n, const HVNEasingFloat<double>& crunch,
                          const HVNEasingFloat<double>& mix)
 {
@@ -134,17 +123,35 @@ void HVNCrunch::process (HVNAudioBuffer<double>& block, uint32_t n, const HVNEas
     vHVN_vMulAddC (r, -1.0, positiveTopSlope, gain, n);
     simd.vRecip (gain, gain, n);
 
+    const Knee& k = knee();
     for (uint32_t c = 0; c < channels; ++c)
     {
         const double* dry = block.channel (c);
         double* x = crunchBlock.channel (c);
-        std::copy (dry, dry + n, x);
-        run (pre, preState.data() + 2 * c, x, n);
+        // One pass through the whole path: the three recursions are independent
+        // of each other, so consecutive samples overlap in the processor.
+        double* zp = preState.data() + 2 * c;
+        double* zq = postState.data() + 2 * c;
+        double* zd = dcState.data() + 2 * c;
+        double p1 = zp[0], q1 = zq[0], d1 = zd[0], d2 = zd[1];
         for (uint32_t i = 0; i < n; ++i)
-            x[i] = curve (x[i], dry[i] < 0.0, r[i]);
-        run (post, postState.data() + 2 * c, x, n);
-        vHVN_vMulInPlace (gain, x, n);
-        run (dc, dcState.data() + 2 * c, x, n);
+        {
+            const double in = dry[i];
+            const double a = pre.b0 * in + p1;
+            p1 = pre.b1 * in - pre.a1 * a;
+            const double v = curveAt (k, a, in < 0.0, r[i]);
+            const double b = post.b0 * v + q1;
+            q1 = post.b1 * v - post.a1 * b;
+            const double g = b * gain[i];
+            const double y = dc.b0 * g + d1;
+            d1 = dc.b1 * g - dc.a1 * y + d2;
+            d2 = dc.b2 * g - dc.a2 * y;
+            x[i] = y;
+        }
+        zp[0] = p1;
+        zq[0] = q1;
+        zd[0] = d1;
+        zd[1] = d2;
         mix.crossfade (x, dry, block.channel (c), n);
     }
 }

@@ -39,13 +39,11 @@ public:
     const Section& getDC() const { return dc; }
 
 private:
-    // Transposed direct form II over one channel's samples, in place.
-    static void run (const Section& s, double* state, double* x, uint32_t n);
-
     uint32_t blockSize, channels;
     HVNAudioBuffer<double> crunchBlock;
     HVNArray<double> crunchGain;
     Section pre, post, dc;
-    // Two state values per channel for each filter.
+    // Two state values per channel for each filter (transposed direct form II;
+    // the first-order ones use the first).
     HVNArray<double> preState, postState, dcState;
 };
