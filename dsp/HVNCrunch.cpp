@@ -2,6 +2,7 @@
 
 #include "toolkit/HVNSIMD.h"
 #include "toolkit/vHVN.h"
+#include "toolkit/vHVN_biquad.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,19 +37,16 @@ constexpr double positiveTopSlope = 0.960068541899088;
 constexpr double positiveBottom = 0.00836467013735038;
 constexpr double positiveBottomSlope = 0.950787138155376;
 
-// Butterworth high-pass of order 2, designed as the low-pass at fs/2 - f with
-// the odd coefficients negated.
+// The DC blocker: the toolkit's Butterworth high-pass of order 2, normalised.
 HVNCrunch::Section butterworthHighpass (double sampleRate, double frequency)
 {
-    frequency = std::min (frequency, 0.99 * sampleRate * 0.5);
-    const double f = sampleRate * 0.5 - frequency;
-    const double t = std::tan (M_PI * f / sampleRate);
-    const double t2 = t * t;
-    const double c = std::cos (3.0 * M_PI / 4.0);
-    const double u = -2.0 * c * t;
-    const double a0 = t2 + 1.0 + u;
-    return {t2 / a0, -2.0 * t2 / a0, t2 / a0, -(2.0 * t2 - 2.0) / a0, (t2 - u + 1.0) / a0};
+    vHVN_biquad::RawSections sections (1);
+    vHVN_biquad::designFilterSections (sections, sampleRate, frequency, 0.0, 0.7071067811865476, 2.0,
+                                       vHVN_biquad::ButterworthHighpass);
+    const auto& r = sections[0];
+    return {r[0] / r[3], r[1] / r[3], r[2] / r[3], r[4] / r[3], r[5] / r[3]};
 }
+
 inline double curveAt (const Knee& k, double v, bool negative, double r)
 {
     if (negative)

@@ -29,7 +29,8 @@ public:
     static double curve (double v, bool negative, double r);
 
     // First-order or second-order section, a-coefficients with a0 = 1 and the
-    // feedback subtracted.
+    // feedback subtracted. The crunch runs its three sections in one fused pass
+    // per sample rather than as three biquad chains: the recursions then overlap.
     struct Section
     {
         double b0, b1, b2, a1, a2;

@@ -59,14 +59,21 @@ void HVNDigitalLoFi::process (HVNAudioBuffer<double>& block, uint32_t n, const H
         return;
     auto& simd = HVNSIMD::instance();
 
+    floatIn.convertFrom (block, n);
+    if (!type.isActive() && type.getValue() == 0.0)
+    {
+        // "Analog": none of the degraded signal is heard, but the averages keep up.
+        averageA.skip (floatIn.data(), n);
+        averageB.skip (floatIn.data(), n);
+        return;
+    }
+    averageA.process (floatIn, floatA, n);
+    averageB.process (floatIn, floatB, n);
+
     // Below half the amount only the 22 kHz version; above it, a fade to 11 kHz.
     double* w = weightPair.channel (0);
     vHVN_vMulAddC (amount.getBuffer(), -2.0, 2.0, w, n);
     vHVN_vClip (w, 0.0, 1.0, w, n);
-
-    floatIn.convertFrom (block, n);
-    averageA.process (floatIn, floatA, n);
-    averageB.process (floatIn, floatB, n);
 
     double* first = digitalPair.channel (0);
     double* second = digitalPair.channel (1);

@@ -33,7 +33,9 @@ void HVNDirectFIR::processChannel (uint32_t c, const float* in, float* out, uint
     float* h = history.channel (c);
     HVNVec::copy (in, h + past, n);
 
-    const uint32_t taps = impulse.significantLength;
+    // Whole vector groups of taps: the zeros or near-zeros past the significant
+    // length cost less than a scalar tail would.
+    const uint32_t taps = std::min (impulse.length, (impulse.significantLength + 7u) & ~7u);
     if (taps == 0)
         HVNVec::clear (out, n);
     else
@@ -42,6 +44,20 @@ void HVNDirectFIR::processChannel (uint32_t c, const float* in, float* out, uint
                                    1, n, taps);
 
     HVNVec::move (h + n, h, past);
+}
+
+void HVNDirectFIR::skip (const float* const* in, uint32_t n)
+{
+    n = std::min (n, maxBlock);
+    const uint32_t past = impulse.length - 1;
+    if (past == 0)
+        return;
+    for (uint32_t c = 0; c < channels; ++c)
+    {
+        float* h = history.channel (c);
+        HVNVec::copy (in[c], h + past, n);
+        HVNVec::move (h + n, h, past);
+    }
 }
 
 void HVNDirectFIR::process (const float* const* in, float* const* out, uint32_t n)

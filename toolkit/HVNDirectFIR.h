@@ -25,6 +25,10 @@ public:
     // One channel.
     void processChannel (uint32_t channel, const float* in, float* out, uint32_t n);
 
+    // Takes n samples into the history without computing any output, so that
+    // a filter whose output is not wanted for a while is ready when it is again.
+    void skip (const float* const* in, uint32_t n);
+
     void clear();
 
     uint32_t getChannels() const { return channels; }

@@ -84,10 +84,13 @@ TEST (HVNDigitalLoFi, AveragingCarriesAcrossBlocksAndResetForgets)
     HVNDigitalLoFi d (8, 48000.0, 1);
     auto a = settled (1.0, 8); // 11 kHz: four-sample averages
     auto t = settled (1.0, 8);
+    auto analog = settled (0.0, 8);
     HVNAudioBuffer<double> b (1, 8);
     for (uint32_t i = 0; i < 8; ++i)
         b.channel (0)[i] = 1.0;
-    d.process (b, 8, *a, *t);
+    // With "Analog" the signal passes untouched, but the averages still hear it.
+    d.process (b, 8, *a, *analog);
+    EXPECT_EQ (b.channel (0)[7], 1.0);
     for (uint32_t i = 0; i < 8; ++i)
         b.channel (0)[i] = 0.0;
     AllocationCounter count;
