@@ -6,6 +6,7 @@
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQStateChunk.h"
 
 namespace
 {
@@ -374,7 +375,7 @@ void TRQAudioProcessor::getStateInformation (juce::MemoryBlock& destination)
         root.setAttribute ("_" + juce::String (i), parameters[static_cast<size_t> (i)]->getValue());
     if (isAAX())
         root.setAttribute ("defaultChunk", stateHasBeenSet ? "0" : "1");
-    copyXmlToBinary (root, destination);
+    TRQStateChunk::write (root, destination);
 }
 
 void TRQAudioProcessor::setDefaultParameterValues()
@@ -388,12 +389,7 @@ void TRQAudioProcessor::setDefaultParameterValues()
 
 void TRQAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
 {
-    // A chunk of 8 bytes or fewer carries no document; JUCE's reader checks the
-    // magic number and clamps a length field that runs past the block.
-    std::unique_ptr<juce::XmlElement> root;
-    if (data != nullptr && sizeInBytes > 8)
-        root = getXmlFromBinary (data, sizeInBytes);
-
+    const auto root = TRQStateChunk::read (data, sizeInBytes);
     if (root != nullptr && root->hasTagName ("MYPLUGINSETTINGS"))
     {
         const auto* restored = root->getChildByName (TRQPluginState::elementName);

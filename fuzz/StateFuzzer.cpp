@@ -1,6 +1,7 @@
 // Feeds arbitrary bytes to the processor as a saved chunk. A chunk that is not a
 // readable settings document must leave every parameter as it was.
 #include "core/TRQAudioProcessor.h"
+#include "state/TRQStateChunk.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput (const uint8_t* data, size_t size)
         std::abort();
 
     // Only a document with the right root may change anything.
-    const auto xml = juce::AudioProcessor::getXmlFromBinary (data, static_cast<int> (size));
+    const auto xml = TRQStateChunk::read (data, static_cast<int> (size));
     const bool readable = size > 8 && xml != nullptr && xml->hasTagName ("MYPLUGINSETTINGS");
     if (!readable)
         for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)

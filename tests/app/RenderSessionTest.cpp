@@ -174,6 +174,46 @@ TEST (RenderSession, CommandLineReportsErrorsInOneLineWithExitCodeTwo)
     EXPECT_EQ (static_cast<int> (report["sample_rate"]), 44100);
 }
 
+TEST (RenderSession, HQFlagRendersThroughTheConvertersWithTheLatencyItReports)
+{
+    for (double rate : {44100.0, 48000.0, 192000.0})
+    {
+        SCOPED_TRACE (rate);
+        TempFolder tmp;
+        constexpr int at = 3000;
+        juce::AudioBuffer<float> impulse (2, static_cast<int> (rate / 10));
+        impulse.clear();
+        impulse.setSample (0, at, 0.5f);
+        impulse.setSample (1, at, 0.5f);
+        writeWav (tmp / "impulse.wav", impulse, rate);
+
+        // With no mix the chain is transparent apart from its delay.
+        const auto args = [&] (bool hq)
+        {
+            juce::StringArray a{"--set", "MasterMix=0"};
+            if (hq)
+                a.add ("--hq");
+            a.add ((tmp / "impulse.wav").getFullPathName());
+            a.add ((tmp / (hq ? "hq.wav" : "plain.wav")).getFullPathName());
+            return a;
+        };
+        const auto plain = render (args (false));
+        const auto hq = render (args (true));
+        EXPECT_GT (hq.latencySamples, plain.latencySamples) << "the converters add their delay";
+
+        const auto out = readWav (tmp / "hq.wav");
+        ASSERT_EQ (out.getNumSamples(), impulse.getNumSamples() + hq.latencySamples);
+        for (int c = 0; c < 2; ++c)
+        {
+            int peakAt = 0;
+            for (int i = 0; i < out.getNumSamples(); ++i)
+                if (std::abs (out.getSample (c, i)) > std::abs (out.getSample (c, peakAt)))
+                    peakAt = i;
+            EXPECT_EQ (peakAt - at, hq.latencySamples) << "channel " << c;
+        }
+    }
+}
+
 TEST (RenderSession, ReportedLatencyIsWhereAnImpulseComesOut)
 {
     TempFolder tmp;

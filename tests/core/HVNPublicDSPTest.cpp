@@ -16,6 +16,12 @@ constexpr double rate = 44100.0;
 constexpr uint32_t block = 64;
 // 50 ms of fade at 44.1 kHz, in blocks, with one to spare.
 constexpr int fadeBlocks = 2205 / 64 + 2;
+// At 44.1 kHz each converter's filter has 305 taps at 176.4 kHz: 38 host samples
+// of delay each way. The probe's HQ latency is 52 samples of its own rate.
+constexpr uint32_t converterLatency = 76;
+constexpr uint32_t hqLatency = 52 / 4 + converterLatency;
+// The converters pass the test signal, far inside their band, almost untouched.
+constexpr float converted = 1e-4f;
 
 // Runs blocks with HQMode delivered as hq until the rig has seen `swaps` swaps and
 // the host is idle again; waits for the worker while the fade sits at silence.
@@ -42,21 +48,25 @@ TEST (HVNPublicDSP, ConstructionKeepsTheWantedModeAndTheLongerLatencyForBypass)
     EXPECT_FALSE (host.dsp->isHQActive());
     EXPECT_FALSE (host.dsp->getCurrentDSP()->isUpsampled);
     EXPECT_EQ (host.dsp->getCurrentLatency(), 16u);
-    EXPECT_EQ (host.dsp->getBypass().getDelaySamples(), 16u);
+    EXPECT_EQ (host.dsp->getBypass().getDelaySamples(), hqLatency);
     EXPECT_TRUE (host.dsp->isNextDSPReady()); // the HQ DSP waits for the first delivery
-    EXPECT_EQ (host.dsp->getConverterLatency(), 1.0);
+    EXPECT_EQ (host.dsp->getConverterLatency(), converterLatency);
 
     Rig hq (block, rate, 2, 2, true);
     EXPECT_TRUE (hq.dsp->isHQActive());
     EXPECT_TRUE (hq.dsp->getCurrentDSP()->isUpsampled);
     EXPECT_EQ (hq.dsp->getCurrentDSP()->sampleRate, 4 * rate);
-    EXPECT_EQ (hq.dsp->getCurrentLatency(), 52u / 4 + 1);
+    EXPECT_EQ (hq.dsp->getCurrentLatency(), hqLatency);
     EXPECT_FALSE (hq.dsp->isSwapInProgress());
     EXPECT_FALSE (hq.dsp->isNextDSPReady());
-    EXPECT_EQ (hq.dsp->getBypass().getDelaySamples(), 16u);
+    EXPECT_EQ (hq.dsp->getBypass().getDelaySamples(), hqLatency);
 
     Rig fast (block, 192000.0, 2, 2, false);
     EXPECT_EQ (fast.dsp->getUpsampleFactor(), 2u);
+    Rig edge (block, 96000.0, 2, 2, false), past (block, 96001.0, 2, 2, false);
+    EXPECT_EQ (edge.dsp->getUpsampleFactor(), 4u);
+    EXPECT_EQ (past.dsp->getUpsampleFactor(), 2u);
+    EXPECT_GT (past.dsp->getConverterLatency(), 0.0) << "96001 Hz converts to 192002 Hz";
 }
 
 TEST (HVNPublicDSP, FirstDeliveryOfTheSameModeDisposesOfTheSpare)
@@ -76,16 +86,16 @@ TEST (HVNPublicDSP, HQFlipBeforeAnyBlockSwapsAtOnceWithoutFade)
     EXPECT_TRUE (rig.dsp->isHQActive());
     EXPECT_EQ (rig.counter.swaps, 1);
     EXPECT_EQ (rig.counter.latencyChanges, 1);
-    EXPECT_EQ (rig.dsp->getCurrentLatency(), 14u);
+    EXPECT_EQ (rig.dsp->getCurrentLatency(), hqLatency);
     EXPECT_EQ (rig.dsp->getSwapFadeValue(), 1.0f);
     EXPECT_TRUE (rig.dsp->getCurrentDSP()->parameterChanged (HQMode));
 
     // The HQ path as a whole is a pure delay of the reported latency.
-    for (int b = 0; b < 5; ++b)
+    for (int b = 0; b < 8; ++b)
     {
         rig.run ({{HQMode, 1.0f}});
         for (uint32_t i = 0; i < block; ++i)
-            ASSERT_EQ (rig.out.channel (1)[i], rig.delayedInput (i, 14)) << b << ":" << i;
+            ASSERT_NEAR (rig.out.channel (1)[i], rig.delayedInput (i, hqLatency), converted) << b << ":" << i;
     }
 }
 
@@ -115,8 +125,8 @@ TEST (HVNPublicDSP, HQToggleWhilePlayingFadesSwapsAndReportsTheNewLatency)
     EXPECT_EQ (lastBeforeSwap, 0.0f);
     EXPECT_TRUE (rig.dsp->isHQActive());
     EXPECT_EQ (rig.counter.latencyChanges, 1);
-    EXPECT_EQ (rig.dsp->getCurrentLatency(), 14u);
-    EXPECT_EQ (rig.dsp->latencyOf (*rig.dsp->getCurrentDSP()), 14u);
+    EXPECT_EQ (rig.dsp->getCurrentLatency(), hqLatency);
+    EXPECT_EQ (rig.dsp->latencyOf (*rig.dsp->getCurrentDSP()), hqLatency);
 
     // The new DSP was built on the worker.
     ASSERT_EQ (rig.buildThreads.size(), builds + 1);
@@ -127,7 +137,7 @@ TEST (HVNPublicDSP, HQToggleWhilePlayingFadesSwapsAndReportsTheNewLatency)
     for (int b = 0; b < 2; ++b)
         rig.run ({{HQMode, 1.0f}});
     for (uint32_t i = 0; i < block; ++i)
-        ASSERT_EQ (rig.out.channel (0)[i], rig.delayedInput (i, 14));
+        ASSERT_NEAR (rig.out.channel (0)[i], rig.delayedInput (i, hqLatency), converted);
 }
 
 TEST (HVNPublicDSP, ToggleTwiceQuicklyEndsOnTheLastValue)
@@ -322,4 +332,31 @@ TEST (HVNPublicDSP, ResetWaitsForTheWorkerAndCompletesTheSwap)
     EXPECT_TRUE (rig.dsp->isHQActive()); // no wait for silence after a reset
     EXPECT_EQ (rig.counter.swaps, 1);
     EXPECT_EQ (rig.dsp->getSwapFadeValue(), 1.0f);
+}
+
+TEST (HVNPublicDSP, MasterOffInHQKeepsTheConvertersRunningAndTheDryPathAligned)
+{
+    Rig rig (block, rate, 2, 2, true, 0.5f);
+    for (int b = 0; b < 10; ++b)
+        rig.run ({{HQMode, 1.0f}, {MasterOnOff, 1.0f}});
+    ASSERT_EQ (rig.dsp->latencyToReport(), hqLatency);
+    EXPECT_NEAR (rig.out.channel (0)[7], 0.5f * rig.delayedInput (7, hqLatency), converted);
+
+    for (int b = 0; b < 3 * fadeBlocks; ++b)
+        rig.run ({{HQMode, 1.0f}, {MasterOnOff, 0.0f}});
+    for (uint32_t i = 0; i < block; ++i)
+        ASSERT_EQ (rig.out.channel (1)[i], rig.delayedInput (i, hqLatency));
+
+    // Back on, the wet path fades in with no start-up transient: the converters
+    // kept their history while the dry signal was heard.
+    for (int b = 0; b < fadeBlocks; ++b)
+    {
+        rig.run ({{HQMode, 1.0f}, {MasterOnOff, 1.0f}});
+        for (uint32_t i = 0; i < block; ++i)
+        {
+            const float dry = rig.delayedInput (i, hqLatency), o = rig.out.channel (0)[i];
+            ASSERT_LE (std::abs (o), std::abs (dry) + converted) << b << ":" << i;
+            ASSERT_GE (std::abs (o), 0.5f * std::abs (dry) - converted) << b << ":" << i;
+        }
+    }
 }

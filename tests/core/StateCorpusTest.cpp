@@ -1,4 +1,5 @@
 #include "core/ProcessorTestSupport.h"
+#include "state/TRQStateChunk.h"
 
 #include <gtest/gtest.h>
 
@@ -23,8 +24,7 @@ TEST (StateCorpus, EveryCollectedChunkIsReadSafely)
         p->setStateInformation (data.getData(), static_cast<int> (data.getSize()));
         EXPECT_TRUE (p->getStateHasBeenSet());
 
-        const auto xml =
-            juce::AudioProcessor::getXmlFromBinary (data.getData(), static_cast<int> (data.getSize()));
+        const auto xml = TRQStateChunk::read (data.getData(), static_cast<int> (data.getSize()));
         if (data.getSize() <= 8 || xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
         {
             for (int i = 0; i < 21; ++i)
