@@ -78,7 +78,8 @@ void digital (benchmark::State& state)
 {
     const auto block = static_cast<uint32_t> (state.range (0));
     HVNDigitalLoFi stage (block, rate, 2);
-    Setting amount (block, 0.5), type (block, 0.0);
+    // LoFiType x 0.5: 0 is "Analog", 1 is "1980's Digital".
+    Setting amount (block, 0.5), type (block, 0.5 * static_cast<double> (state.range (1)));
     runStage (state, [&] (auto& b, uint32_t n) { stage.process (b, n, amount.ease, type.ease); });
 }
 
@@ -95,5 +96,8 @@ void analog (benchmark::State& state)
 BENCHMARK (noise)->Name ("LoFi/noise")->Arg (64)->Arg (256)->Arg (1024);
 BENCHMARK (crunch)->Name ("LoFi/crunch")->Arg (64)->Arg (256)->Arg (1024);
 BENCHMARK (shaper)->Name ("LoFi/shaper")->Arg (64)->Arg (256)->Arg (1024);
-BENCHMARK (digital)->Name ("LoFi/digital")->Arg (64)->Arg (256)->Arg (1024);
+BENCHMARK (digital)
+    ->Name ("LoFi/digital")
+    ->ArgNames ({"block", "type"})
+    ->ArgsProduct ({{64, 256, 1024}, {0, 2}});
 BENCHMARK (analog)->Name ("LoFi/analog")->Arg (64)->Arg (256)->Arg (1024);
