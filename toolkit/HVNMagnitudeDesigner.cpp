@@ -20,7 +20,6 @@ HVNMagnitudeDesigner::HVNMagnitudeDesigner (uint32_t length, double rate, bool l
     , fftLength (powerOfTwoAtLeast (length))
     , binCount (fftLength / 2)
     , sampleRate (rate)
-    , half (binCount)
     , re (fftLength)
     , im (fftLength)
     , outRe (fftLength)

@@ -32,7 +32,6 @@ private:
     uint32_t fftLength;
     uint32_t binCount;
     double sampleRate;
-    HVNArray<double> half;
     HVNArray<double> re, im, outRe, outIm, zeros;
     vHVN_FFT::FFTData<1, double> complexFFT;
     vHVN_FFT::FFTData<0, double> realFFT;
