@@ -2,6 +2,7 @@
 
 #include "core/TRQCallbackQueue.h"
 #include "state/TRQPluginState.h"
+#include "state/TRQSettingsHost.h"
 #include "state/TRQSignals.h"
 #include "toolkit/HVNAudioBuffer.h"
 
@@ -20,7 +21,7 @@ class TRQUndoManager;
 // The object the host sees. It computes nothing on audio itself: per block it moves
 // parameter values, transport and the host's buffers across to the DSP host and
 // back, and it reports latency.
-class TRQAudioProcessor : public juce::AudioProcessor, public TRQSignals::Trackable
+class TRQAudioProcessor : public juce::AudioProcessor, public TRQSettingsHost, public TRQSignals::Trackable
 {
 public:
     using TRQPluginState = ::TRQPluginState;
@@ -71,15 +72,19 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
     bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
 
-    TRQAudioParameter& getAudioParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
+    juce::AudioProcessor& asAudioProcessor() override { return *this; }
+    TRQAudioParameter& getAudioParameter (int index) const override
+    {
+        return *parameters[static_cast<size_t> (index)];
+    }
     // The parameter of index, or nullptr for an index out of range and while the
     // constructor has not made the parameters yet.
-    TRQAudioParameter* findParameter (int index) const;
-    TRQPluginState& getPluginState() { return pluginState; }
+    TRQAudioParameter* findParameter (int index) const override;
+    TRQPluginState& getPluginState() override { return pluginState; }
     const TRQPluginState& getPluginState() const { return pluginState; }
     TRQUndoManager& getUndoManager() const { return *undoManager; }
-    TRQParameterManager& getParameterManager() const { return *parameterManager; }
-    std::shared_ptr<TRQPresetController> getPresetController() const { return presetController; }
+    TRQParameterManager& getParameterManager() const override { return *parameterManager; }
+    std::shared_ptr<TRQPresetController> getPresetController() const override { return presetController; }
     std::shared_ptr<HVNPublicDSP> getDSP() const { return dsp; }
     bool getStateHasBeenSet() const { return stateHasBeenSet != 0; }
 

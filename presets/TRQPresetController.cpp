@@ -1,10 +1,11 @@
 #include "presets/TRQPresetController.h"
 
-#include "core/TRQAudioProcessor.h"
 #include "presets/TRQPresetFiles.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQPluginState.h"
+#include "state/TRQSettingsHost.h"
 
 #include <algorithm>
 
@@ -33,7 +34,7 @@ nlohmann::json& presetsOf (nlohmann::json& section)
 }
 } // namespace
 
-TRQPresetController::TRQPresetController (TRQAudioProcessor& p)
+TRQPresetController::TRQPresetController (TRQSettingsHost& p)
     : processor (p)
 {
 }
@@ -144,8 +145,8 @@ void TRQPresetController::loadPresets()
 {
     const auto kept = sections;
     TRQPresetFiles::Contents contents;
-    const int ins = processor.getMainBusNumInputChannels();
-    const int outs = processor.getMainBusNumOutputChannels();
+    const int ins = processor.asAudioProcessor().getMainBusNumInputChannels();
+    const int outs = processor.asAudioProcessor().getMainBusNumOutputChannels();
     for (const auto& ref : files)
         TRQPresetFiles::read (ref.file(), ref.kind, ins, outs, contents);
     sections = std::move (contents.sections);

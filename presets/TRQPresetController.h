@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-class TRQAudioProcessor;
+class TRQSettingsHost;
 
 // The merged list of factory and user presets, which one is selected and whether the
 // settings still equal it, and every change to the user's presets. Message thread only.
@@ -23,7 +23,7 @@ public:
     // Real values by parameter id, each snapped and clamped.
     using Values = std::array<float, kNumParameters>;
 
-    explicit TRQPresetController (TRQAudioProcessor& processor);
+    explicit TRQPresetController (TRQSettingsHost& processor);
     ~TRQPresetController() override;
 
     TRQSignals::Signal<void()> defaultChanged;
@@ -94,7 +94,7 @@ private:
     bool changed (float normalisedA, float normalisedB, std::uint32_t id) const;
     const PresetRecord* selected() const;
 
-    TRQAudioProcessor& processor;
+    TRQSettingsHost& processor;
     std::uint32_t defaultPresetIndex = 0;
     std::uint32_t currentPresetIndex = 0;
     bool hasSelection = true;

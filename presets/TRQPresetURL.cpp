@@ -1,12 +1,12 @@
 #include "presets/TRQPresetURL.h"
 
-#include "core/TRQAudioProcessor.h"
 #include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
 #include "state/TRQLinks.h"
 #include "state/TRQParameterManager.h"
+#include "state/TRQSettingsHost.h"
 
 #include <array>
 #include <cmath>
@@ -19,7 +19,7 @@ namespace
 {
 constexpr const char* productPath = "/zolk-comp";
 
-void setReal (TRQAudioProcessor& processor, ParameterId id, double value)
+void setReal (TRQSettingsHost& processor, ParameterId id, double value)
 {
     if (std::isnan (value))
         value = 0.0;
@@ -29,7 +29,7 @@ void setReal (TRQAudioProcessor& processor, ParameterId id, double value)
 }
 
 // Reads "key<separator>value" pieces of query, split at delimiter.
-void readPieces (TRQAudioProcessor& processor, const juce::String& query, const char* delimiter,
+void readPieces (TRQSettingsHost& processor, const juce::String& query, const char* delimiter,
                  const char* separator, const std::map<juce::String, ParameterId>& keys,
                  std::array<bool, kNumParameters>& seen)
 {
@@ -50,7 +50,7 @@ juce::String base()
     return juce::String (ZOLK_MAKER_URL) + productPath;
 }
 
-juce::String settingsAsUrl (const TRQAudioProcessor& processor)
+juce::String settingsAsUrl (const TRQSettingsHost& processor)
 {
     float values[kNumParameters];
     for (ParameterId id = 0; id < kNumParameters; ++id)
@@ -74,7 +74,7 @@ juce::String settingsAsUrl (const float (&values)[kNumParameters])
     return base() + "/" + juce::String::fromUTF8 (ParameterCatalogue::product().version.c_str()) + query;
 }
 
-void pasteSettings (TRQAudioProcessor& processor, const juce::String& text)
+void pasteSettings (TRQSettingsHost& processor, const juce::String& text)
 {
     std::map<juce::String, ParameterId> keys;
     for (const auto& row : ParameterCatalogue::rows())

@@ -4,7 +4,7 @@
 
 #include <juce_core/juce_core.h>
 
-class TRQAudioProcessor;
+class TRQSettingsHost;
 
 // All settings as one URL: the product's address, the version, and the parameters
 // that differ from their factory default by their short keys, in real units. Pasting
@@ -15,12 +15,12 @@ namespace TRQPresetURL
 juce::String base();
 
 // From the processor's current values.
-juce::String settingsAsUrl (const TRQAudioProcessor& processor);
+juce::String settingsAsUrl (const TRQSettingsHost& processor);
 // From real values by parameter id, each already snapped and clamped.
 juce::String settingsAsUrl (const float (&values)[kNumParameters]);
 
 // Sets every parameter from the text: named ones to their value, all others (power
 // included) to their factory default. Everything before the first "?" is ignored, so
 // any text is accepted; "key:value" pieces between "/" are read as well.
-void pasteSettings (TRQAudioProcessor& processor, const juce::String& text);
+void pasteSettings (TRQSettingsHost& processor, const juce::String& text);
 } // namespace TRQPresetURL

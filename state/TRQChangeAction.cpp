@@ -1,9 +1,9 @@
 #include "state/TRQChangeAction.h"
 
-#include "core/TRQAudioProcessor.h"
 #include "presets/TRQPresetController.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQSettingsHost.h"
 
 const float* StateSnapshot::find (std::uint32_t index) const
 {
@@ -60,7 +60,7 @@ void StateSnapshot::apply() const
         link->restoreSelection (presetUuid, presetModified);
 }
 
-ChangeAction::ChangeAction (TRQAudioProcessor& p, std::weak_ptr<TRQPresetController> controller)
+ChangeAction::ChangeAction (TRQSettingsHost& p, std::weak_ptr<TRQPresetController> controller)
     : processor (p)
 {
     for (auto* snapshot : {&before, &after})

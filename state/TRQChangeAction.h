@@ -9,14 +9,14 @@
 #include <utility>
 #include <vector>
 
-class TRQAudioProcessor;
+class TRQSettingsHost;
 class TRQPresetController;
 
 // A set of parameter values with the preset selection they belong to. Values are
 // normalised and cover only the parameters that the snapshot was taken of.
 struct StateSnapshot
 {
-    TRQAudioProcessor* processor = nullptr;
+    TRQSettingsHost* processor = nullptr;
     std::vector<std::pair<std::uint32_t, float>> values;
     juce::String presetUuid; // empty for a gesture
     bool presetModified = true;
@@ -41,11 +41,11 @@ struct StateSnapshot
 class ChangeAction : public TRQUndoableAction
 {
 public:
-    ChangeAction (TRQAudioProcessor& processor, std::weak_ptr<TRQPresetController> controller);
+    ChangeAction (TRQSettingsHost& processor, std::weak_ptr<TRQPresetController> controller);
 
     bool perform() override;
     bool undo() override;
 
     StateSnapshot before, after;
-    TRQAudioProcessor& processor;
+    TRQSettingsHost& processor;
 };

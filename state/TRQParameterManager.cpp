@@ -1,10 +1,10 @@
 #include "state/TRQParameterManager.h"
 
-#include "core/TRQAudioProcessor.h"
 #include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQSettingsHost.h"
 #include "state/TRQUndoManager.h"
 
 #include <algorithm>
@@ -30,22 +30,22 @@ std::vector<ParameterId> dependentsOf (ParameterId id)
     return ids;
 }
 
-float normalisedNow (TRQAudioProcessor& processor, ParameterId id)
+float normalisedNow (TRQSettingsHost& processor, ParameterId id)
 {
     return toNormalised (id, processor.getAudioParameter (static_cast<int> (id)).getRealValue());
 }
 } // namespace
 
-TRQParameterManager::TRQParameterManager (TRQAudioProcessor& p, TRQUndoManager& u)
+TRQParameterManager::TRQParameterManager (TRQSettingsHost& p, TRQUndoManager& u)
     : processor (p)
     , undoManager (u)
 {
-    processor.addListener (this);
+    processor.asAudioProcessor().addListener (this);
 }
 
 TRQParameterManager::~TRQParameterManager()
 {
-    processor.removeListener (this);
+    processor.asAudioProcessor().removeListener (this);
 }
 
 void TRQParameterManager::setController (std::shared_ptr<TRQPresetController> presetController)

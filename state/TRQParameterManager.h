@@ -10,7 +10,7 @@
 #include <memory>
 #include <unordered_set>
 
-class TRQAudioProcessor;
+class TRQSettingsHost;
 class TRQPresetController;
 class TRQUndoManager;
 
@@ -19,7 +19,7 @@ class TRQUndoManager;
 class TRQParameterManager : public juce::AudioProcessorListener, public TRQSignals::Trackable
 {
 public:
-    TRQParameterManager (TRQAudioProcessor& processor, TRQUndoManager& undoManager);
+    TRQParameterManager (TRQSettingsHost& processor, TRQUndoManager& undoManager);
     ~TRQParameterManager() override;
 
     void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float normalised) override;
@@ -47,7 +47,7 @@ private:
     std::shared_ptr<StateSnapshot> captureSnapshot (const juce::String& uuid) const;
     void keepPartnersInRange (ParameterId id, float normalised);
 
-    TRQAudioProcessor& processor;
+    TRQSettingsHost& processor;
     TRQUndoManager& undoManager;
     std::unique_ptr<ChangeAction> openAction;
     std::map<juce::String, std::shared_ptr<StateSnapshot>> snapshots;
