@@ -19,6 +19,11 @@ int main (int argc, char* argv[])
     try
     {
         const auto options = RenderOptions::parse (arguments);
+        if (options.listPresets)
+        {
+            std::cout << RenderSession (options).listPresets();
+            return 0;
+        }
         const auto report = RenderSession (options).run();
         std::cout << (options.json ? report.toJson() + "\n" : report.toText());
         return 0;

@@ -9,6 +9,11 @@ juce::String takeValue (const juce::StringArray& args, int& i, const juce::Strin
     return args[++i];
 }
 
+juce::File takeFile (const juce::StringArray& args, int& i, const juce::String& option)
+{
+    return juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, option));
+}
+
 int parsePositiveInt (const juce::String& text, const juce::String& option, int low, int high)
 {
     if (!text.containsOnly ("0123456789") || text.isEmpty())
@@ -47,8 +52,15 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
         else if (arg == "--rate")
             options.demoRate = parsePositiveInt (takeValue (args, i, arg), arg, 8000, 768000);
         else if (arg == "--sidechain")
-            options.sidechain =
-                juce::File::getCurrentWorkingDirectory().getChildFile (takeValue (args, i, arg));
+            options.sidechain = takeFile (args, i, arg);
+        else if (arg == "--state-in")
+            options.stateIn = takeFile (args, i, arg);
+        else if (arg == "--state-out")
+            options.stateOut = takeFile (args, i, arg);
+        else if (arg == "--preset")
+            options.preset = takeValue (args, i, arg);
+        else if (arg == "--list-presets")
+            options.listPresets = true;
         else if (arg == "--bypass")
             options.bypass = true;
         else if (arg == "--json")
@@ -59,12 +71,22 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
             files.add (arg);
     }
 
-    if (files.isEmpty())
+    if (files.isEmpty() && !options.listPresets)
         throw RenderUsageError ("no output file given");
     if (files.size() > 2)
         throw RenderUsageError ("too many files: " + files.joinIntoString (" "));
 
+    // Listing presets renders nothing: a single file is the input whose layout chooses
+    // the presets on offer.
     const auto cwd = juce::File::getCurrentWorkingDirectory();
+    if (options.listPresets)
+    {
+        if (files.size() > 1)
+            throw RenderUsageError ("--list-presets takes at most an input file");
+        if (files.size() == 1)
+            options.input = cwd.getChildFile (files[0]);
+        return options;
+    }
     options.output = cwd.getChildFile (files[files.size() - 1]);
     if (files.size() == 2)
         options.input = cwd.getChildFile (files[0]);
@@ -74,6 +96,8 @@ RenderOptions RenderOptions::parse (const juce::StringArray& args)
 
 juce::String RenderOptions::usage()
 {
-    return "usage: zolk-render [--set NAME=VALUE]... [--hq] [--block N] [--random-blocks] [--rate HZ]\n"
-           "                   [--sidechain FILE.wav] [--bypass] [--json] [INPUT.wav] OUTPUT.wav";
+    return "usage: zolk-render [--state-in FILE] [--preset NAME] [--set NAME=VALUE]... [--hq] [--block N]\n"
+           "                   [--random-blocks] [--rate HZ] [--sidechain FILE.wav] [--bypass]\n"
+           "                   [--state-out FILE] [--json] [INPUT.wav] OUTPUT.wav\n"
+           "       zolk-render --list-presets [INPUT.wav]";
 }

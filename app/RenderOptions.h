@@ -22,7 +22,11 @@ struct RenderOptions
     juce::File input; // none: render the built-in demo
     juce::File output;
     juce::File sidechain;                                        // none: the sidechain bus carries silence
+    juce::File stateIn;                                          // a saved state to restore first
+    juce::String preset;                                         // a preset's name
     std::vector<std::pair<juce::String, juce::String>> settings; // parameter, value in real units
+    juce::File stateOut;                                         // where to write the state after the render
+    bool listPresets = false;                                    // print the presets instead of rendering
     int blockSize = 512;
     bool randomBlocks = false;
     double demoRate = 48000.0;

@@ -51,7 +51,10 @@ juce::String RenderReport::toJson() const
       << ", \"output_peak_dbfs\": " << jsonNumber (outputPeakDb, 2)
       << ", \"output_rms_dbfs\": " << jsonNumber (outputRmsDb, 2)
       << ", \"max_gain_reduction_db\": " << jsonNumber (maxGainReductionDb, 2)
-      << ", \"realtime_factor\": " << jsonNumber (realtimeFactor, 1) << "}";
+      << ", \"realtime_factor\": " << jsonNumber (realtimeFactor, 1)
+      << ", \"preset\": " << (preset.isEmpty() ? juce::String ("null") : juce::JSON::toString (preset))
+      << ", \"preset_modified\": " << (presetModified ? "true" : "false")
+      << ", \"settings_url\": " << juce::JSON::toString (settingsUrl) << "}";
     return s;
 }
 
@@ -69,6 +72,9 @@ juce::String RenderReport::toText() const
       << line ("output peak", textNumber (outputPeakDb, 2) + " dBFS")
       << line ("output rms", textNumber (outputRmsDb, 2) + " dBFS")
       << line ("max gain reduction", textNumber (maxGainReductionDb, 2) + " dB")
-      << line ("realtime factor", textNumber (realtimeFactor, 1) + "x");
+      << line ("realtime factor", textNumber (realtimeFactor, 1) + "x")
+      << line ("preset",
+               preset.isEmpty() ? juce::String ("none") : preset + (presetModified ? " (modified)" : ""))
+      << line ("settings", settingsUrl);
     return s;
 }

@@ -14,6 +14,9 @@ struct RenderReport
     double outputRmsDb = -std::numeric_limits<double>::infinity();
     double maxGainReductionDb = 0.0;
     double realtimeFactor = 0.0;
+    juce::String preset; // the selected preset's name; empty when there is none
+    bool presetModified = false;
+    juce::String settingsUrl; // the settings rendered, as a preset URL
 
     // Peak and RMS level of a whole buffer, in dB relative to full scale.
     static double peakDb (const juce::AudioBuffer<float>& buffer);

@@ -4,10 +4,12 @@
 #include "core/HVNPublicDSP.h"
 #include "core/TRQAudioProcessor.h"
 #include "dsp/HVNCompressor.h"
-
-#include <cmath>
+#include "presets/TRQPresetController.h"
+#include "presets/TRQPresetURL.h"
+#include "state/TRQStateChunk.h"
 
 #include <chrono>
+#include <cmath>
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
 
@@ -40,6 +42,21 @@ private:
     bool random;
     juce::Random generator{12345};
 };
+
+// Written beside the target and moved into place, so a failed write never leaves a
+// partial file under the requested name.
+template<typename Write>
+void writeAtomically (const juce::File& file, Write&& write)
+{
+    juce::TemporaryFile temporary (file);
+    {
+        auto stream = temporary.getFile().createOutputStream();
+        if (stream == nullptr || !write (std::move (stream)))
+            throw RenderUsageError ("cannot write output " + file.getFullPathName());
+    }
+    if (!temporary.overwriteTargetFileWithTemporary())
+        throw RenderUsageError ("cannot write output " + file.getFullPathName());
+}
 } // namespace
 
 RenderSession::RenderSession (RenderOptions o)
@@ -112,26 +129,95 @@ RenderSession::Audio RenderSession::readWav (const juce::File& file, const juce:
 void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio,
                               double sampleRate)
 {
-    // Written beside the target and moved into place, so a failed render never
-    // leaves a partial file under the requested name.
-    juce::TemporaryFile temporary (file);
+    writeAtomically (file,
+                     [&] (std::unique_ptr<juce::FileOutputStream> stream)
+                     {
+                         juce::WavAudioFormat wav;
+                         std::unique_ptr<juce::AudioFormatWriter> writer (
+                             wav.createWriterFor (stream.get(), sampleRate,
+                                                  static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
+                         if (writer == nullptr)
+                             return false;
+                         stream.release();
+                         // A 32-bit WAV writer takes float samples when the format says so.
+                         return writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
+                     });
+}
+
+void RenderSession::restoreState (TRQAudioProcessor& processor, const juce::File& file)
+{
+    juce::MemoryBlock chunk;
+    if (!file.existsAsFile() || !file.loadFileAsData (chunk))
+        throw RenderUsageError ("cannot read state " + file.getFullPathName() + ": no such file");
+    // The plug-in quietly ignores a chunk it can't read, as a host expects; here the
+    // caller asked for this one, so it is refused instead.
+    const auto xml = TRQStateChunk::read (chunk.getData(), static_cast<int> (chunk.getSize()));
+    if (xml == nullptr || !xml->hasTagName ("MYPLUGINSETTINGS"))
+        throw RenderUsageError ("cannot read state " + file.getFullPathName() +
+                                ": not a saved state of this plug-in");
+    processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+
+    // The selection follows the restored state, and is marked modified where the
+    // restored values differ from the preset.
+    auto controller = processor.getPresetController();
+    controller->reload();
+    controller->updateModified ({}, {});
+}
+
+void RenderSession::saveState (TRQAudioProcessor& processor, const juce::File& file)
+{
+    juce::MemoryBlock chunk;
+    processor.getStateInformation (chunk);
+    writeAtomically (file, [&] (std::unique_ptr<juce::FileOutputStream> stream)
+                     { return stream->write (chunk.getData(), chunk.getSize()); });
+}
+
+void RenderSession::applyPreset (TRQAudioProcessor& processor, const juce::String& name)
+{
+    auto controller = processor.getPresetController();
+    const auto& presets = controller->getPresets();
+    const auto found = std::find_if (presets.begin(), presets.end(),
+                                     [&] (const PresetRecord& preset) { return preset.name == name; });
+    if (found == presets.end())
+        throw RenderUsageError ("unknown preset \"" + name + "\"");
+    controller->selectPreset (static_cast<std::uint32_t> (found - presets.begin()), true, true);
+}
+
+std::unique_ptr<TRQAudioProcessor> RenderSession::makeProcessor (int ins, int outs, int scs)
+{
+    std::unique_ptr<TRQAudioProcessor> processor (dynamic_cast<TRQAudioProcessor*> (createPluginFilter()));
+    juce::AudioProcessor::BusesLayout layout;
+    layout.inputBuses.add (channelSet (ins));
+    layout.inputBuses.add (channelSet (scs));
+    layout.outputBuses.add (channelSet (outs));
+    if (!processor->setBusesLayout (layout))
+        throw RenderUsageError ("the plug-in refuses " + juce::String (ins) + " input channels");
+    // Presets are offered by layout: read the list again for this one.
+    processor->getPresetController()->reload();
+    return processor;
+}
+
+juce::String RenderSession::listPresets()
+{
+    const int ins =
+        options.input == juce::File() ? 2 : readWav (options.input, "input").buffer.getNumChannels();
+    const auto processor = makeProcessor (ins, ins, ins);
+    const auto controller = processor->getPresetController();
+    const auto& presets = controller->getPresets();
+
+    juce::String text;
+    for (const auto& section : controller->getSections())
     {
-        auto stream = temporary.getFile().createOutputStream();
-        if (stream == nullptr)
-            throw RenderUsageError ("cannot write output " + file.getFullPathName());
-
-        juce::WavAudioFormat wav;
-        std::unique_ptr<juce::AudioFormatWriter> writer (wav.createWriterFor (
-            stream.get(), sampleRate, static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
-        if (writer == nullptr)
-            throw RenderUsageError ("cannot write output " + file.getFullPathName());
-        stream.release();
-
-        // A 32-bit WAV writer takes float samples when the format says so.
-        writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
+        text << section.title << (section.kind == PresetKind::user ? " (user)" : "") << "\n";
+        for (auto i = section.first; i < section.end; ++i)
+        {
+            const bool isDefault = i == controller->getDefaultPresetIndex();
+            const bool isSelected = controller->getHasSelection() && i == controller->getCurrentPresetIndex();
+            text << (isSelected ? "  > " : "    ") << presets[i].name << (isDefault ? "  [default]" : "")
+                 << "\n";
+        }
     }
-    if (!temporary.overwriteTargetFileWithTemporary())
-        throw RenderUsageError ("cannot write output " + file.getFullPathName());
+    return text.isEmpty() ? juce::String ("no presets\n") : text;
 }
 
 RenderReport RenderSession::run()
@@ -164,15 +250,15 @@ RenderReport RenderSession::run()
     if (scs != ins && scs != 1)
         throw RenderUsageError ("a sidechain must have 1 channel or as many as the input");
 
-    std::unique_ptr<juce::AudioProcessor> processor (createPluginFilter());
+    const auto processor = makeProcessor (ins, outs, scs);
+    auto& plugin = *processor;
 
-    juce::AudioProcessor::BusesLayout layout;
-    layout.inputBuses.add (channelSet (ins));
-    layout.inputBuses.add (channelSet (scs));
-    layout.outputBuses.add (channelSet (outs));
-    if (!processor->setBusesLayout (layout))
-        throw RenderUsageError ("the plug-in refuses " + juce::String (ins) + " input channels");
-
+    // From the broadest to the most particular: a whole state, a preset, then single
+    // parameters.
+    if (options.stateIn != juce::File())
+        restoreState (plugin, options.stateIn);
+    if (options.preset.isNotEmpty())
+        applyPreset (plugin, options.preset);
     for (const auto& [name, value] : options.settings)
         applySetting (*processor, name, value);
 
@@ -190,13 +276,12 @@ RenderReport RenderSession::run()
     BlockSizer sizer (options.blockSize, options.randomBlocks);
 
     // The compressor's figure of the last block, read on this (the rendering) thread.
-    auto* plugin = dynamic_cast<TRQAudioProcessor*> (processor.get());
     double maxReductionDb = 0.0;
     const auto readReduction = [&]
     {
-        if (plugin == nullptr || plugin->getDSP() == nullptr)
+        if (plugin.getDSP() == nullptr)
             return;
-        const auto& dsp = plugin->getDSP()->getCurrentDSP();
+        const auto& dsp = plugin.getDSP()->getCurrentDSP();
         if (dsp != nullptr && !dsp->meterValues.empty())
             maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) *
                                                            HVNCompressor::meterRangeDb);
@@ -233,6 +318,11 @@ RenderReport RenderSession::run()
 
     processor->releaseResources();
     writeWav (options.output, output, rate);
+    if (options.stateOut != juce::File())
+        saveState (plugin, options.stateOut);
+
+    auto controller = plugin.getPresetController();
+    controller->updateModified ({}, {});
 
     RenderReport report;
     report.latencySamples = latency;
@@ -244,5 +334,9 @@ RenderReport RenderSession::run()
     report.outputRmsDb = RenderReport::rmsDb (output);
     report.maxGainReductionDb = maxReductionDb;
     report.realtimeFactor = elapsed > 0.0 ? (total / rate) / elapsed : 0.0;
+    if (const auto selected = controller->getPreset (controller->getCurrentPresetIndex()))
+        report.preset = selected.value.name;
+    report.presetModified = controller->getIsModified();
+    report.settingsUrl = TRQPresetURL::settingsAsUrl (plugin);
     return report;
 }

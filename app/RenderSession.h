@@ -3,8 +3,12 @@
 #include "app/RenderOptions.h"
 #include "app/RenderReport.h"
 
+class TRQAudioProcessor;
+
 #include <juce_audio_formats/juce_audio_formats.h>
 #include <juce_audio_processors/juce_audio_processors.h>
+
+#include <memory>
 
 // One render: builds the plug-in's processor as a host does, applies the
 // settings, runs every block through processBlock and writes the result.
@@ -25,6 +29,13 @@ public:
     static void applySetting (juce::AudioProcessor& processor, const juce::String& name,
                               const juce::String& value);
 
+    // Selects a preset by its name, applying it as a click in the preset browser does.
+    static void applyPreset (TRQAudioProcessor& processor, const juce::String& name);
+
+    // The presets on offer for the input's layout, section by section, the default and
+    // the selected one marked.
+    juce::String listPresets();
+
 private:
     struct Audio
     {
@@ -34,6 +45,9 @@ private:
 
     static Audio readWav (const juce::File& file, const juce::String& role);
     static void writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio, double sampleRate);
+    static std::unique_ptr<TRQAudioProcessor> makeProcessor (int ins, int outs, int scs);
+    static void restoreState (TRQAudioProcessor& processor, const juce::File& file);
+    static void saveState (TRQAudioProcessor& processor, const juce::File& file);
 
     RenderOptions options;
 };

@@ -50,12 +50,23 @@ void chain (benchmark::State& state, bool moving)
         {
             // Each continuous control on a slow sweep of its own.
             const float x = 0.5f + 0.5f * std::sin (0.05f * static_cast<float> (++step));
-            const uint32_t continuous[] = {
-                InputGain,       CompressionAmount,      WowFlutterAmount,        OutputGain,
-                MasterMix,       CompAttackTimeConstant, CompReleaseTimeConstant, WowFlutterMix,
-                WowFlutterPhase, DigitalRefLevel,        SidechainExternal,       SidechainTilt};
-            const float low[] = {-12, 0, 0, -12, 50, 0.5f, 0.5f, 50, 0, -30, 0, -50};
-            const float high[] = {6, 100, 100, 6, 100, 4, 4, 100, 180, -6, 100, 50};
+            const uint32_t continuous[] = {InputGain,
+                                           CompressionAmount,
+                                           WowFlutterAmount,
+                                           OutputGain,
+                                           MasterMix,
+                                           CompAttackTimeConstant,
+                                           CompReleaseTimeConstant,
+                                           WowFlutterMix,
+                                           WowFlutterPhase,
+                                           DigitalRefLevel,
+                                           SidechainExternal,
+                                           SidechainTilt,
+                                           LoFiAmount,
+                                           LoFiNoiseGain,
+                                           LoFiCrunch};
+            const float low[] = {-12, 0, 0, -12, 50, 0.5f, 0.5f, 50, 0, -30, 0, -50, 0, -60, 0};
+            const float high[] = {6, 100, 100, 6, 100, 4, 4, 100, 180, -6, 100, 50, 100, 0, 100};
             for (size_t k = 0; k < std::size (continuous); ++k)
             {
                 dsp.parameters[continuous[k]].value = low[k] + x * (high[k] - low[k]);

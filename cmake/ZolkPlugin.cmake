@@ -76,3 +76,8 @@ target_include_directories(zolk_product SYSTEM INTERFACE
   "$<TARGET_PROPERTY:ZolkCompressor,INCLUDE_DIRECTORIES>")
 target_compile_definitions(zolk_product INTERFACE
   "$<TARGET_PROPERTY:ZolkCompressor,COMPILE_DEFINITIONS>")
+
+# The factory presets, installed where the plug-in reads them on Linux: JUCE's common
+# application data folder (/opt), then Halvane/<plug-in number>.
+install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/presets/factory/TQPresets.json"
+        DESTINATION "/opt/Halvane/0002")

@@ -4,10 +4,14 @@
 #include "core/TRQMeterParameter.h"
 #include "dsp/HVNAbstractDSP.h"
 #include "editor/TRQAudioProcessorEditor.h"
+#include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQLinks.h"
+#include "state/TRQParameterManager.h"
 #include "state/TRQStateChunk.h"
+#include "state/TRQUndoManager.h"
 
 namespace
 {
@@ -62,9 +66,18 @@ TRQAudioProcessor::TRQAudioProcessor()
                                 .withOutput ("Output", juce::AudioChannelSet::stereo(), true)
                                 .withInput ("Sidechain", juce::AudioChannelSet::stereo(), true))
 {
-    // The undo manager, parameter manager and preset controller take their places
-    // here, before the parameters, so that the parameters can start from the
-    // default preset.
+    // The history and the presets come before the parameters, so that the parameters
+    // can start from the default preset.
+    undoManager = std::make_unique<TRQUndoManager>();
+    parameterManager = std::make_unique<TRQParameterManager> (*this, *undoManager);
+    presetController = std::make_shared<TRQPresetController> (*this);
+    parameterManager->setController (presetController);
+    presetController->beginAction.connect (&TRQParameterManager::beginPresetAction, parameterManager.get());
+    presetController->endAction.connect (&TRQParameterManager::endPresetAction, parameterManager.get());
+    presetController->presetUuidChanged.connect (&TRQPluginState::setLastPresetRecorded, &pluginState);
+    presetController->defaultChanged.connect (&TRQAudioProcessor::refreshPresetDefaults, this);
+    presetController->load();
+
     for (int i = 0; i < numParameters; ++i)
     {
         const auto id = static_cast<ParameterId> (i);
@@ -72,12 +85,13 @@ TRQAudioProcessor::TRQAudioProcessor()
         // LV2 turns parameter ids into names that may not start with a digit, so
         // there the decimal index stands behind an underscore, as in the saved state.
         const auto idText = wrapperType == wrapperType_LV2 ? "_" + juce::String (i) : juce::String (i);
-        auto parameter =
-            std::make_unique<TRQAudioParameter> (idText, juce::String::fromUTF8 (spec.name.c_str()),
-                                                 juce::String(), spec.defaultValue, spec.defaultValue);
+        auto parameter = std::make_unique<TRQAudioParameter> (
+            idText, juce::String::fromUTF8 (spec.name.c_str()), juce::String(), spec.defaultValue,
+            presetController->defaultPresetValue (id));
         parameters[static_cast<size_t> (i)] = parameter.get();
         addParameter (parameter.release());
     }
+    TRQLinks::build (parameters);
 
     if (isAAX())
     {
@@ -94,6 +108,18 @@ TRQAudioProcessor::TRQAudioProcessor()
 }
 
 TRQAudioProcessor::~TRQAudioProcessor() = default;
+
+TRQAudioParameter* TRQAudioProcessor::findParameter (int index) const
+{
+    return juce::isPositiveAndBelow (index, numParameters) ? parameters[static_cast<size_t> (index)]
+                                                           : nullptr;
+}
+
+void TRQAudioProcessor::refreshPresetDefaults()
+{
+    for (auto* parameter : parameters)
+        parameter->setPresetDefault (presetController->defaultPresetValue (parameter->getId()));
+}
 
 const juce::String TRQAudioProcessor::getName() const
 {

@@ -2,6 +2,7 @@
 
 #include "core/TRQCallbackQueue.h"
 #include "state/TRQPluginState.h"
+#include "state/TRQSettingsHost.h"
 #include "state/TRQSignals.h"
 #include "toolkit/HVNAudioBuffer.h"
 
@@ -13,11 +14,14 @@
 class HVNPublicDSP;
 class MeterMessaging;
 class TRQAudioParameter;
+class TRQParameterManager;
+class TRQPresetController;
+class TRQUndoManager;
 
 // The object the host sees. It computes nothing on audio itself: per block it moves
 // parameter values, transport and the host's buffers across to the DSP host and
 // back, and it reports latency.
-class TRQAudioProcessor : public juce::AudioProcessor, public TRQSignals::Trackable
+class TRQAudioProcessor : public juce::AudioProcessor, public TRQSettingsHost, public TRQSignals::Trackable
 {
 public:
     using TRQPluginState = ::TRQPluginState;
@@ -68,8 +72,19 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
     bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
 
-    TRQAudioParameter& getAudioParameter (int index) const { return *parameters[static_cast<size_t> (index)]; }
-    TRQPluginState& getPluginState() { return pluginState; }
+    juce::AudioProcessor& asAudioProcessor() override { return *this; }
+    TRQAudioParameter& getAudioParameter (int index) const override
+    {
+        return *parameters[static_cast<size_t> (index)];
+    }
+    // The parameter of index, or nullptr for an index out of range and while the
+    // constructor has not made the parameters yet.
+    TRQAudioParameter* findParameter (int index) const override;
+    TRQPluginState& getPluginState() override { return pluginState; }
+    const TRQPluginState& getPluginState() const { return pluginState; }
+    TRQUndoManager& getUndoManager() const { return *undoManager; }
+    TRQParameterManager& getParameterManager() const override { return *parameterManager; }
+    std::shared_ptr<TRQPresetController> getPresetController() const override { return presetController; }
     std::shared_ptr<HVNPublicDSP> getDSP() const { return dsp; }
     bool getStateHasBeenSet() const { return stateHasBeenSet != 0; }
 
@@ -101,6 +116,7 @@ private:
     void updateLatency();
     void applyLayoutDefaults (int ins, int outs);
     void setDefaultParameterValues();
+    void refreshPresetDefaults();
     bool isAAX() const { return wrapperType == wrapperType_AAX; }
 
     std::shared_ptr<HVNPublicDSP> dsp;
@@ -110,6 +126,9 @@ private:
     std::array<TRQAudioParameter*, numParameters> parameters{};
     std::vector<juce::AudioProcessorParameter*> meterParameters;
     TRQPluginState pluginState;
+    std::unique_ptr<TRQUndoManager> undoManager;
+    std::unique_ptr<TRQParameterManager> parameterManager;
+    std::shared_ptr<TRQPresetController> presetController;
 
     DSPInfo dspInfo;
     TransportInfo transportInfo;

@@ -1,6 +1,7 @@
 #include "dsp/HVNZC1DSP.h"
 
 #include "dsp/HVNParameterIndex.h"
+#include "dsp/HVNShaper.h"
 #include "toolkit/HVNVec.h"
 
 #include <algorithm>
@@ -44,8 +45,10 @@ HVNZC1DSP::HVNZC1DSP (uint32_t block, double rate, uint32_t inputs, uint32_t out
     , sidechainBlock (outputs, block)
     , shaperScratch (1, block)
     , wowFlutter (*this)
-    // 5-7: the lo-fi stages (analog response filter, hum table and noise state,
-    // digital averaging and crunch filters) are built here.
+    , analogResponse (block, rate, outputs)
+    , noise (block, rate, outputs)
+    , digitalLoFi (block, rate, outputs)
+    , crunch (block, rate, outputs)
     , compressor (*this, mixEase, refGainEase)
 {
     const double sr = sampleRate;
@@ -81,7 +84,10 @@ HVNZC1DSP::HVNZC1DSP (uint32_t block, double rate, uint32_t inputs, uint32_t out
 void HVNZC1DSP::reset()
 {
     wowFlutter.reset();
-    // The lo-fi stages clear their filters and averaging states here.
+    // Hum position and noise generators run on: a reset must not repeat the noise.
+    analogResponse.reset();
+    digitalLoFi.reset();
+    crunch.reset();
     compressor.reset();
     if (alignDelay)
         alignDelay->reset();
@@ -135,15 +141,14 @@ void HVNZC1DSP::process (const HVNAudioBuffer<float>& input, HVNAudioBuffer<floa
     if (external)
         refGainEase.multiply (sidechainBlock, n);
 
-    // 6: hum and hiss
-    // 7: crunch
+    // 6-7
+    runNoiseAndCrunch (n);
 
     // 8
     compressor.process (mainBlock, sidechainBlock, sidechainState, n);
 
-    // 9: shaper
-    // 10: digital lo-fi
-    // 11: analog lo-fi response
+    // 9-11
+    runLoFiAfterCompressor (n);
 
     // 12
     wowFlutter.process (mainBlock, n);
@@ -160,6 +165,38 @@ void HVNZC1DSP::process (const HVNAudioBuffer<float>& input, HVNAudioBuffer<floa
 
     // 18-19
     writeOutput (output, n);
+}
+
+void HVNZC1DSP::runNoiseAndCrunch (uint32_t n)
+{
+    if (parameterChanged (LoFiAmount) || parameterChanged (LoFiNoiseGain) ||
+        parameterChanged (DigitalRefLevel))
+        noiseGainEase.setTarget (
+            HVNLoFiNoise::targetGain (parameterValue (LoFiAmount), parameterValue (LoFiNoiseGain)));
+    noiseGainEase.process (n);
+    noise.process (mainBlock, n, noiseGainEase, &refGainEase);
+
+    if (parameterChanged (LoFiCrunch))
+        crunchEase.setTarget (HVNCrunch::target (parameterValue (LoFiCrunch)));
+    crunchEase.process (n);
+    crunch.process (mainBlock, n, crunchEase, mixEase);
+}
+
+void HVNZC1DSP::runLoFiAfterCompressor (uint32_t n)
+{
+    HVNShaper::process (mainBlock, n, mixEase, shaperScratch.channel (0));
+
+    if (parameterChanged (LoFiAmount))
+        lofiAmountEase.setTarget (parameterValue (LoFiAmount) * 0.01);
+    if (parameterChanged (LoFiType))
+        lofiTypeEase.setTarget (parameterValue (LoFiType) * 0.5);
+    lofiAmountEase.process (n);
+    lofiTypeEase.process (n);
+    digitalLoFi.process (mainBlock, n, lofiAmountEase, lofiTypeEase);
+
+    analogResponse.update (parameterChanged (LoFiAmount), parameterValue (LoFiAmount),
+                           parameterChanged (MasterMix), parameterValue (MasterMix));
+    analogResponse.process (mainBlock, n);
 }
 
 void HVNZC1DSP::runListen (uint32_t n)

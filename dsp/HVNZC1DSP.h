@@ -1,7 +1,11 @@
 #pragma once
 
 #include "dsp/HVNAbstractDSP.h"
+#include "dsp/HVNAnalogResponse.h"
 #include "dsp/HVNCompressor.h"
+#include "dsp/HVNCrunch.h"
+#include "dsp/HVNDigitalLoFi.h"
+#include "dsp/HVNLoFiNoise.h"
 #include "dsp/HVNSidechainState.h"
 #include "dsp/HVNWowFlutter.h"
 #include "toolkit/HVNAudioBuffer.h"
@@ -37,6 +41,7 @@ public:
 
     HVNCompressor& getCompressor() { return compressor; }
     HVNWowFlutter& getWowFlutter() { return wowFlutter; }
+    HVNAnalogResponse& getAnalogResponse() { return analogResponse; }
     uint32_t getAlignSamples() const { return alignSamples; }
     const HVNSidechainState& getSidechainState() const { return sidechainState; }
 
@@ -46,6 +51,8 @@ public:
 
 private:
     void updateGains();
+    void runNoiseAndCrunch (uint32_t n);
+    void runLoFiAfterCompressor (uint32_t n);
     void runListen (uint32_t n);
     void writeOutput (HVNAudioBuffer<float>& output, uint32_t n);
 
@@ -53,6 +60,10 @@ private:
     HVNSidechainState sidechainState;
     HVNAudioBuffer<double> shaperScratch;
     HVNWowFlutter wowFlutter;
+    HVNAnalogResponse analogResponse;
+    HVNLoFiNoise noise;
+    HVNDigitalLoFi digitalLoFi;
+    HVNCrunch crunch;
     HVNCompressor compressor;
     uint32_t alignSamples = 0;
     std::unique_ptr<HVNCircularBuffer<double>> alignDelay;

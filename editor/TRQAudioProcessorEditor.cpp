@@ -11,6 +11,7 @@
 #include "editor/TRQSlider.h"
 #include "editor/TRQToggle.h"
 #include "editor/TRQValueLaw.h"
+#include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -289,7 +290,7 @@ void TRQAudioProcessorEditor::setAdvancedPaneOpen (bool open, bool force)
     applySize ((float)prefs.uiScale * 0.01f);
 }
 
-void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool)
+void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool notifyManager)
 {
     if (index < 0 || index >= TRQAudioProcessor::numParameters)
         throw std::out_of_range ("parameter index");
@@ -306,6 +307,12 @@ void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool)
 
     if (changed)
         updateEnablement (index);
+
+    if (changed && notifyManager)
+        if (auto controller = processor.getPresetController())
+            controller->updateModified (
+                HVNChecked<std::uint32_t> ((std::uint32_t)index),
+                HVNChecked<float> (toNormalised (static_cast<ParameterId> (index), value)));
 }
 
 void TRQAudioProcessorEditor::updateEnablement (int sourceIndex)

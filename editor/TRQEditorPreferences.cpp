@@ -1,5 +1,7 @@
 #include "editor/TRQEditorPreferences.h"
 
+#include "state/TRQUserPrefs.h"
+
 int TRQMemoryPreferenceSource::getInt (const std::string& key, int fallback) const
 {
     auto found = ints.find (key);
@@ -22,10 +24,31 @@ void TRQMemoryPreferenceSource::setString (const std::string& key, const std::st
     strings[key] = value;
 }
 
+int TRQUserPreferenceSource::getInt (const std::string& key, int fallback) const
+{
+    int value = 0;
+    return TRQUserPrefs::Store::read (TRQUserPrefs::allPlugins, key, value) ? value : fallback;
+}
+
+void TRQUserPreferenceSource::setInt (const std::string& key, int value)
+{
+    TRQUserPrefs::Store::write (TRQUserPrefs::allPlugins, key, value);
+}
+
+std::string TRQUserPreferenceSource::getString (const std::string& key, const std::string& fallback) const
+{
+    std::string value;
+    return TRQUserPrefs::Store::read (TRQUserPrefs::allPlugins, key, value) ? value : fallback;
+}
+
+void TRQUserPreferenceSource::setString (const std::string& key, const std::string& value)
+{
+    TRQUserPrefs::Store::write (TRQUserPrefs::allPlugins, key, value);
+}
+
 std::shared_ptr<TRQPreferenceSource> TRQEditorPreferences::sharedSource()
 {
-    static auto source = std::make_shared<TRQMemoryPreferenceSource>();
-    return source;
+    return std::make_shared<TRQUserPreferenceSource>();
 }
 
 TRQEditorPreferences::TRQEditorPreferences (std::shared_ptr<TRQPreferenceSource> s)

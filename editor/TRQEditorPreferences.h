@@ -34,6 +34,17 @@ private:
     std::map<std::string, std::string> strings;
 };
 
+// The maker's shared per-user store: every plug-in of the maker and every editor
+// opened later sees a change.
+class TRQUserPreferenceSource : public TRQPreferenceSource
+{
+public:
+    int getInt (const std::string& key, int fallback) const override;
+    void setInt (const std::string& key, int value) override;
+    std::string getString (const std::string& key, const std::string& fallback) const override;
+    void setString (const std::string& key, const std::string& value) override;
+};
+
 // The eight settings the editor reads, with their defaults and the healing of
 // stored values out of range.
 class TRQEditorPreferences
@@ -41,7 +52,7 @@ class TRQEditorPreferences
 public:
     explicit TRQEditorPreferences (std::shared_ptr<TRQPreferenceSource> source);
 
-    // The process-wide store every editor uses unless given another.
+    // The store every editor uses unless given another: the user's preferences.
     static std::shared_ptr<TRQPreferenceSource> sharedSource();
 
     bool alwaysOpenAdvPane = false;

@@ -1,8 +1,10 @@
 #include "editor/TRQParameterGestures.h"
 
 #include "core/TRQAudioProcessor.h"
+#include "presets/TRQPresetController.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQParameterManager.h"
 
 TRQParameterGestures::TRQParameterGestures (TRQAudioProcessor& p)
     : processor (p)
@@ -31,8 +33,7 @@ void TRQParameterGestures::end (int index)
 
 void TRQParameterGestures::reset (int index)
 {
-    const auto& parameter = processor.getAudioParameter (index);
-    setRealInGesture (index, parameter.getPresetDefault());
+    setRealInGesture (index, processor.getAudioParameter (index).getPresetDefault());
 }
 
 void TRQParameterGestures::setRealInGesture (int index, float real)
@@ -45,5 +46,12 @@ void TRQParameterGestures::setRealInGesture (int index, float real)
 void TRQParameterGestures::abAction (int action)
 {
     if (onABAction)
+    {
         onABAction (action);
+        return;
+    }
+    // "a" flips between the two slots, "A" copies the live slot to the other.
+    auto controller = processor.getPresetController();
+    const auto uuid = controller != nullptr ? controller->lastUuid() : juce::String();
+    processor.getParameterManager().toggleAB (uuid, action == 1);
 }

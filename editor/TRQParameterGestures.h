@@ -5,9 +5,10 @@
 class TRQAudioProcessor;
 
 // The one door through which the editor changes parameters. Every drag, wheel, key,
-// typed value and reset opens a gesture, sets normalised values and closes it here,
-// so that whatever keeps the undo history and the A/B slots sees them all in one
-// place. Today it talks to the host parameters directly.
+// typed value and reset opens a gesture, sets normalised values and closes it here.
+// The gestures go to the host parameters, whose listeners are the host and the
+// parameter manager: so every change reaches the undo history as one step per
+// gesture. The A/B keys go to the parameter manager's slots.
 class TRQParameterGestures
 {
 public:
@@ -23,7 +24,8 @@ public:
     // A whole gesture to one real value.
     void setRealInGesture (int index, float real);
 
-    // The A/B keys: 0 for "a", 1 for "A". Without a handler the keys do nothing.
+    // The A/B keys: 0 for "a" (flip slots), 1 for "A" (copy the live slot over). A
+    // handler, when set, takes them instead.
     virtual void abAction (int action);
     std::function<void (int)> onABAction;
 

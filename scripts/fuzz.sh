@@ -10,7 +10,7 @@ bash "$ZOLK_ROOT/scripts/install-deps.sh"
 seconds="${1:-60}"
 shift || true
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(fuzz_state)
+[ ${#targets[@]} -gt 0 ] || targets=(fuzz_state fuzz_preset_file fuzz_preset_url)
 
 build="$ZOLK_ROOT/fuzz-build"
 CC=clang CXX=clang++ cmake -S "$ZOLK_ROOT" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZOLK_FUZZ=ON

@@ -6,7 +6,10 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/env.sh"
 bash "$ZOLK_ROOT/scripts/install-deps.sh"
 zolk_configure_and_build
-cmake --install "$ZOLK_BUILD"
+# The factory presets go to a system folder.
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+$sudo cmake --install "$ZOLK_BUILD"
 mkdir -p "$ZOLK_BUILD/renders"
 "$ZOLK_BUILD/app/zolk-render" "$@" "$ZOLK_BUILD/renders/demo.wav"
 echo "Rendered $ZOLK_BUILD/renders/demo.wav"

@@ -146,7 +146,10 @@ float snapAndClamp (ParameterId id, float real) noexcept
         low = std::max (b.min, b.min / b.scale);
         high = std::min (b.max, b.max / b.scale);
     }
-    return std::clamp (snapToStep (id, real), low, high);
+    // Not a number (a negative time constant through the logarithm, a host's NaN)
+    // would pass the clamp untouched: it goes to the bottom of the range.
+    const float snapped = snapToStep (id, real);
+    return std::isnan (snapped) ? low : std::clamp (snapped, low, high);
 }
 
 bool isWithinAcceptedRange (ParameterId id, float real) noexcept

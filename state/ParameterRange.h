@@ -19,6 +19,7 @@ float stepAt (ParameterId id, float real) noexcept;
 // Rounds to a multiple of the step, halves away from zero.
 float snapToStep (ParameterId id, float real) noexcept;
 
+// Not a number gives the bottom of the range.
 float snapAndClamp (ParameterId id, float real) noexcept;
 
 // Whether a value lies within the range a control may set, by the literal bounds that

@@ -1,9 +1,21 @@
 #include "state/TRQPluginState.h"
 
+#include "state/ParameterCatalogue.h"
+
 #include <nlohmann/json.hpp>
 
 namespace
 {
+// Calls f (source, target) for every pair of the catalogue's lock lists, in order.
+template<typename Function>
+void forEachLockPair (Function&& f)
+{
+    for (const auto& row : ParameterCatalogue::rows())
+        for (size_t list = 0; list < row.lockFrom.size() && list < row.lockTo.size(); ++list)
+            for (size_t i = 0; i < row.lockFrom[list].size() && i < row.lockTo[list].size(); ++i)
+                f (row.lockFrom[list][i], row.lockTo[list][i]);
+}
+
 std::string locksToJson (const TRQPluginState::LockStates& locks)
 {
     nlohmann::json object = nlohmann::json::object();
@@ -43,6 +55,12 @@ void TRQPluginState::setLock (unsigned id, bool locked)
         return;
     auto locks = getLockStates();
     locks[id] = locked;
+    forEachLockPair (
+        [&] (ParameterId source, ParameterId target)
+        {
+            if (source == id && isValidParameterId (target))
+                locks[target] = locked;
+        });
     setLockStates (locks);
 }
 
@@ -50,19 +68,27 @@ TRQPluginState::LockStates TRQPluginState::getLockStates() const
 {
     LockStates locks{};
     const auto text = element.getStringAttribute (lockStatesAttribute).toStdString();
-    if (text.empty())
-        return locks;
 
     // A damaged entry keeps everything read before it; nothing here may throw.
-    try
+    if (!text.empty())
     {
-        const auto object = nlohmann::json::parse (text);
-        for (size_t id = 0; id < locks.size(); ++id)
-            locks[id] = object.at (std::to_string (id)).get<bool>();
+        try
+        {
+            const auto object = nlohmann::json::parse (text);
+            for (size_t id = 0; id < locks.size(); ++id)
+                locks[id] = object.at (std::to_string (id)).get<bool>();
+        }
+        catch (const std::exception&)
+        {
+        }
     }
-    catch (const std::exception&)
-    {
-    }
+
+    forEachLockPair (
+        [&] (ParameterId source, ParameterId target)
+        {
+            if (isValidParameterId (source) && isValidParameterId (target) && locks[source])
+                locks[target] = true;
+        });
     return locks;
 }
 

@@ -57,7 +57,7 @@ TEST (HVNCompressor, StaticCurveFollowsTheTablesAndTheMakeup)
         const uint32_t row = static_cast<uint32_t> (amount / 5.0f);
         for (double level = -70.0; level <= 0.0; level += 10.0)
         {
-            ChainRunner runner (512, rate);
+            CompressorRunner runner (512, rate);
             runner.set ({{CompressionAmount, amount}, {WowFlutterAmount, 0.0f}});
             const auto in = quarterRate (std::pow (10.0, level / 20.0));
             const auto out = runner.run (length, in);
@@ -70,7 +70,7 @@ TEST (HVNCompressor, StaticCurveFollowsTheTablesAndTheMakeup)
 TEST (HVNCompressor, SilenceGetsTheMakeupAndTheThresholdNoReduction)
 {
     // After a reset every control lands at once: the level never passes the threshold.
-    ChainRunner runner (256, rate);
+    CompressorRunner runner (256, rate);
     runner.dsp.reset();
     runner.set ({{CompressionAmount, 50.0f}, {WowFlutterAmount, 0.0f}});
     const double level = Tables::thresholdDb[10];
@@ -121,7 +121,7 @@ TEST (HVNCompressor, ExternalSidechainDrivesTheDetectorAndTakesTheMakeup)
     const auto side = quarterRate (std::pow (10.0, sideDb / 20.0));
     for (float external : {0.0f, 100.0f})
     {
-        ChainRunner runner (512, rate, 2, 2, 2);
+        CompressorRunner runner (512, rate, 2, 2, 2);
         runner.set ({{CompressionAmount, 50.0f}, {WowFlutterAmount, 0.0f}, {SidechainExternal, external}});
         const auto out = runner.run (length, main, {}, side);
         const double expected =
@@ -173,7 +173,7 @@ TEST (HVNCompressor, StereoLinkSharesOneGainAndFlipsTheMeterSign)
     auto loudLeft = [] (uint32_t c, long t) { return quarterRate (c == 0 ? 0.5 : 0.001) (c, t); };
     for (float link : {0.0f, 1.0f})
     {
-        ChainRunner runner (512, rate);
+        CompressorRunner runner (512, rate);
         runner.set ({{CompStereoLink, link}, {WowFlutterAmount, 0.0f}});
         const auto out = runner.run (length, loudLeft);
         const double left = toDb (rmsOf (out[0], length - 4800, length) / (0.5 / std::sqrt (2.0)));
@@ -194,7 +194,7 @@ TEST (HVNCompressor, StereoLinkSharesOneGainAndFlipsTheMeterSign)
 TEST (HVNCompressor, OvershootPastTheTableStaysOnItsLastColumn)
 {
     // +12 dB of input gain on a full-scale signal: 74 dB over the row-0 threshold.
-    ChainRunner runner (512, rate);
+    CompressorRunner runner (512, rate);
     runner.set ({{CompressionAmount, 0.0f}, {WowFlutterAmount, 0.0f}, {InputGain, 12.0f}});
     const auto in = quarterRate (1.0);
     const long length = static_cast<long> (2.5 * rate);

@@ -1,7 +1,10 @@
 #include "editor/TRQAudioProcessorEditor.h"
 #include "core/ProcessorTestSupport.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQParameterGestures.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQParameterManager.h"
+#include "state/TRQUndoManager.h"
 
 #include <gtest/gtest.h>
 
@@ -108,4 +111,31 @@ TEST (TRQAudioProcessorEditor, DarkModeAndLanguageAreStored)
     auto next = makeEditor (*processor, prefs);
     EXPECT_EQ (next->getLayout().getStyle(), 1);
     EXPECT_EQ (next->getPreferences().language, TRQLanguage::Asemic);
+}
+
+TEST (TRQAudioProcessorEditor, GesturesBecomeUndoSteps)
+{
+    auto processor = ProcessorTestSupport::make();
+    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    auto& undo = processor->getUndoManager();
+    // Gestures close together join one step; these two are a minute apart.
+    std::int64_t now = 1000000;
+    undo.setClock ([&now] { return now; });
+    auto& input = *editor->getControl (1);
+    const float before = processor->getAudioParameter (1).getRealValue();
+    input.stepUp ({}, true);
+    now += 60000;
+    input.stepUp ({}, true);
+    EXPECT_NEAR (processor->getAudioParameter (1).getRealValue(), before + 1.0f, 1e-4f);
+    ASSERT_TRUE (undo.canUndo());
+    undo.undo();
+    EXPECT_NEAR (processor->getAudioParameter (1).getRealValue(), before + 0.5f, 1e-4f);
+    undo.undo();
+    EXPECT_NEAR (processor->getAudioParameter (1).getRealValue(), before, 1e-4f);
+
+    // The A/B keys reach the parameter manager's slots.
+    editor->getGestures().abAction (0);
+    EXPECT_TRUE (processor->getParameterManager().getIsOnB());
+    editor->getGestures().abAction (0);
+    EXPECT_FALSE (processor->getParameterManager().getIsOnB());
 }

@@ -43,3 +43,17 @@ TEST (TRQEditorPreferences, ChangesReachTheNextEditor)
     EXPECT_EQ (next.language, TRQLanguage::Japanese);
     EXPECT_EQ (next.uiScale, 140);
 }
+
+TEST (TRQEditorPreferences, TheUserStoreIsSharedAndKeepsOneByte)
+{
+    TRQUserPreferenceSource store;
+    store.setInt ("UIScale", 140);
+    store.setString ("Language", "French");
+    TRQEditorPreferences prefs (TRQEditorPreferences::sharedSource());
+    EXPECT_EQ (prefs.uiScale, 140);
+    EXPECT_EQ (prefs.language, TRQLanguage::French);
+    store.setInt ("UIScale", 300);
+    EXPECT_EQ (store.getInt ("UIScale", 0), 44);
+    store.setInt ("UIScale", 100);
+    store.setString ("Language", "English");
+}

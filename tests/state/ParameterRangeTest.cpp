@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -76,6 +78,14 @@ TEST (ParameterRange, SnappingRoundsHalvesAwayFromZero)
     const float negativeZero = snapAndClamp (1, -0.04f);
     EXPECT_EQ (negativeZero, 0.0f);
     EXPECT_TRUE (std::signbit (negativeZero)) << "the sign survives; only the text hides it";
+}
+
+TEST (ParameterRange, NotANumberGoesToTheBottomOfTheRange)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ (snapAndClamp (2, nan), 0.0f);
+    EXPECT_EQ (fromNormalised (13, nan), -96.0f);
+    EXPECT_EQ (fromNormalised (7, toNormalised (7, -100.0f)), 0.1f) << "the logarithm of a negative time";
 }
 
 TEST (ParameterRange, InvalidIdsGiveZero)

@@ -1,3 +1,6 @@
+#include "presets/TRQPresetFiles.h"
+#include "state/TRQUserPrefs.h"
+
 #include <gtest/gtest.h>
 #include <juce_events/juce_events.h>
 
@@ -15,7 +18,9 @@ int ignoreXErrors (Display*, XErrorEvent*)
 }
 } // namespace
 
-// JUCE's message manager and singletons live for the whole run, as in a host.
+// JUCE's message manager and singletons live for the whole run, as in a host. Preset
+// files and preferences point into a folder of the run's own, so that no test reads
+// or writes the user's.
 int main (int argc, char** argv)
 {
     ::testing::InitGoogleTest (&argc, argv);
@@ -26,5 +31,15 @@ int main (int argc, char** argv)
         XSetIOErrorHandler ([] (Display*) { return 0; });
     }
     juce::ScopedJuceInitialiser_GUI juce;
-    return RUN_ALL_TESTS();
+
+    const juce::TemporaryFile holder ("zolk-tests");
+    const auto folder = holder.getFile();
+    folder.createDirectory();
+    TRQPresetFiles::setLocations (
+        {folder.getChildFile ("user/HvnUserPresets.json"), folder.getChildFile ("factory/TQPresets.json")});
+    TRQUserPrefs::Store::setFile (folder.getChildFile ("prefs/Preferences.json"));
+
+    const int result = RUN_ALL_TESTS();
+    folder.deleteRecursively();
+    return result;
 }

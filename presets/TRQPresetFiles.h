@@ -1,0 +1,63 @@
+#pragma once
+
+#include "presets/PresetRecord.h"
+
+#include <juce_core/juce_core.h>
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+// The two preset files and their JSON: a read-only factory file and a user file that
+// all of the maker's plug-ins share, each under its own plug-in number.
+namespace TRQPresetFiles
+{
+struct Locations
+{
+    juce::File user;
+    juce::File factory;
+};
+
+// Documents/Halvane/HvnUserPresets.json and <common data>/Halvane/0002/TQPresets.json.
+Locations standardLocations();
+
+// Where this process reads and writes presets: the standard places unless replaced.
+// The renderer and the tests point instances at files of their own; a change applies
+// to controllers that load afterwards.
+Locations locations();
+void setLocations (const Locations& replacement);
+void useStandardLocations();
+
+// The files in reading order: the user file first, then the factory file.
+std::vector<PresetFileRef> fileRefs();
+
+// What reading the files gathers, before the merge step.
+struct Contents
+{
+    std::vector<PresetSection> sections;
+    std::vector<PresetRecord> presets;
+    // The default presets that the files name, with the kind of the file naming each.
+    std::vector<std::pair<juce::String, std::uint32_t>> favourites;
+};
+
+// Appends the sections, presets and favourite of one file. Presets whose channel list
+// leaves out (inputs, outputs) are skipped, and so are sections left empty. A missing
+// file is empty; a damaged one adds what it held before the damage.
+void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+// The same for the text of a file.
+void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+
+// The section that a new user file starts with.
+nlohmann::json defaultSection();
+
+// Reads the user file, lets change edit the object under the plug-in number (which has
+// a "sections" array when change runs), and writes the file back whole. The file and
+// its folder are made when missing. Returns false, leaving the file as it was, when the
+// file holds text that isn't JSON or can't be written.
+bool modifyUserFile (const juce::File& file, const std::function<void (nlohmann::json& plugin)>& change);
+
+// The number as JSON: the shortest decimal that reads back as the same float, or null
+// for a value that isn't finite.
+nlohmann::json valueToJson (float value);
+} // namespace TRQPresetFiles
