@@ -432,6 +432,34 @@ TEST_F (EditorWindow, LanguageAndStyleChangeWhileOpen)
     EXPECT_LT (brightness (pixelAt (shot, editor, {20.0f, 338.0f})), 0.3f);
 }
 
+// A locked parameter shows the lock in its corner; the power switch can't be locked.
+TEST_F (EditorWindow, LockMarkShowsOnLockedControls)
+{
+    auto darkPixels = [] (const juce::Image& shot, TRQAudioProcessorEditor& editor)
+    {
+        int n = 0;
+        for (float y = 39.0f; y < 57.0f; y += 1.0f)
+            for (float x = 2.0f; x < 20.0f; x += 1.0f)
+                n += brightness (pixelAt (shot, editor, {x, y})) < 0.5f ? 1 : 0;
+        return n;
+    };
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    int unlocked = 0;
+    {
+        auto opened = open (processor, prefs);
+        pump (100);
+        unlocked = darkPixels (capture (*opened.editor), *opened.editor);
+    }
+    processor.getPluginState().setLock (1, true);
+    auto opened = open (processor, prefs);
+    pump (100);
+    EXPECT_TRUE (opened.editor->getControl (1)->isLocked());
+    const auto shot = capture (*opened.editor);
+    save (shot, "editor-lock");
+    EXPECT_GT (darkPixels (shot, *opened.editor), unlocked + 10);
+}
+
 // Not a timed test: prints what an idle editor costs, for the record.
 TEST_F (EditorWindow, IdleCostIsMeasured)
 {
