@@ -19,50 +19,45 @@ void MeterMessaging::install (uint32_t id, std::unique_ptr<DataStore> store)
     stores[id].store (ownedStores[id].get());
 }
 
-template<typename Record>
-AtomicFIFODataStore<Record>* MeterMessaging::writableStore (uint32_t id)
+template<typename Record, typename Fill>
+void MeterMessaging::write (uint32_t id, Fill&& fill)
 {
     if (id >= meterCount || enabled[id].load() == 0)
-        return nullptr;
-    DataStore* store = stores[id].load();
-    if (store == nullptr || suspended.load() != 0)
-        return nullptr;
-    return dynamic_cast<AtomicFIFODataStore<Record>*> (store);
+        return;
+    DataStore* base = stores[id].load();
+    if (base == nullptr || suspended.load() != 0)
+        return;
+    auto* store = dynamic_cast<AtomicFIFODataStore<Record>*> (base);
+    if (store == nullptr)
+        return;
+
+    auto* slot = store->slotToWrite();
+    if (slot == nullptr)
+    {
+        // The reader is behind: this record is dropped, and the next drain
+        // delivers only the newest of each store.
+        overflowed.exchange (1);
+        return;
+    }
+
+    fill (*slot);
+    store->publish();
 }
 
 void MeterMessaging::writeBuffer (uint32_t id, const HVNAudioBuffer<double>& block, uint32_t frames)
 {
-    auto* store = writableStore<SharedMeterTypes::HVNAudioBufferMeter<double>> (id);
-    if (store == nullptr)
-        return;
-
-    auto* slot = store->slotToWrite();
-    if (slot == nullptr)
-    {
-        overflowed.exchange (1);
-        return;
-    }
-
-    slot->frames = std::min (frames, slot->buffer->frames());
-    slot->buffer->copyFrom (block, slot->frames);
-    store->publish();
+    write<SharedMeterTypes::HVNAudioBufferMeter<double>> (id,
+                                                          [&] (auto& slot)
+                                                          {
+                                                              slot.frames =
+                                                                  std::min (frames, slot.buffer->frames());
+                                                              slot.buffer->copyFrom (block, slot.frames);
+                                                          });
 }
 
 void MeterMessaging::writePoint (float value)
 {
-    auto* store = writableStore<SharedMeterTypes::DataPoint<float>> (gainReductionId);
-    if (store == nullptr)
-        return;
-
-    auto* slot = store->slotToWrite();
-    if (slot == nullptr)
-    {
-        overflowed.exchange (1);
-        return;
-    }
-
-    slot->value = value;
-    store->publish();
+    write<SharedMeterTypes::DataPoint<float>> (gainReductionId, [value] (auto& slot) { slot.value = value; });
 }
 
 void MeterMessaging::poll()

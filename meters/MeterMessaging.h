@@ -70,8 +70,8 @@ public:
 
 private:
     void install (uint32_t id, std::unique_ptr<DataStore> store);
-    template<typename Record>
-    AtomicFIFODataStore<Record>* writableStore (uint32_t id);
+    template<typename Record, typename Fill>
+    void write (uint32_t id, Fill&& fill);
 
     // The stores live in a fixed table by id rather than in a growing map, so that
     // a store added while audio runs never moves what the writer is looking at.
