@@ -1,0 +1,17 @@
+#include "editor/TRQPresetDeleteModal.h"
+
+TRQPresetDeleteModal::TRQPresetDeleteModal (std::shared_ptr<TRQPresetController> c, const Values& v,
+                                            const Settings& s)
+    : TRQPresetModal (std::move (c), v, s)
+{
+    setUp ("Delete " + quoted (presetName), "Delete");
+}
+
+bool TRQPresetDeleteModal::submit()
+{
+    if (controller != nullptr)
+        if (const auto index = controller->indexOfUuid (uuid()); index.present)
+            controller->deletePreset (index.value);
+    closeSignal.emit (1);
+    return true;
+}

@@ -1,0 +1,63 @@
+#include "editor/TRQPresetEditModal.h"
+
+#include "state/ParameterRange.h"
+
+TRQPresetEditModal::TRQPresetEditModal (std::shared_ptr<TRQPresetController> c, const Values& v,
+                                        const Settings& s)
+    : TRQPresetModal (std::move (c), v, s)
+{
+    setUp ("Edit " + quoted (presetName), "Save");
+    juce::String note;
+    bool isDefault = false;
+    if (controller != nullptr)
+        if (const auto index = controller->indexOfUuid (uuid()); index.present)
+        {
+            const auto preset = controller->getPreset (index.value).value;
+            note = preset.note;
+            isDefault = controller->getDefaultPresetIndex() == index.value;
+            // Should the new name take another preset's place, that preset gets this
+            // one's own settings, not those on the panel.
+            for (size_t i = 0; i < values.size(); ++i)
+                if (preset.values[i].present)
+                    values[i] = snapAndClamp ((ParameterId)i,
+                                              fromNormalised ((ParameterId)i, preset.values[i].value));
+        }
+    addNameAndNotes (presetName, note);
+    addMakeDefault (isDefault);
+}
+
+bool TRQPresetEditModal::submit()
+{
+    const auto name = nameEditor->getText().trim();
+    if (name.isEmpty())
+    {
+        showError ("Preset Name is Required");
+        return false;
+    }
+    if (controller == nullptr || !controller->indexOfUuid (uuid()).present)
+    {
+        closeSignal.emit (1);
+        return false;
+    }
+    const auto note = notesEditor->getText().trim();
+    const bool makeDefault = makeDefaultToggle->getToggleState();
+    if (name != presetName)
+        if (const auto* existing = userPresetNamed (name, uuid()))
+        {
+            Settings replace;
+            replace.hasForm = true;
+            replace.set (Settings::kind, (int)replaceForm)
+                .set (Settings::uuid, existing->uuid)
+                .set (Settings::name, name)
+                .set (Settings::note, note)
+                .set (Settings::makeDefault, makeDefault)
+                .set (Settings::values, valuesToVar (values))
+                .set (Settings::retireUuid, uuid());
+            modalSignal.emit (2, replace);
+            return false;
+        }
+    controller->editPreset (uuid(), name, note);
+    controller->makeDefault (uuid(), makeDefault);
+    closeSignal.emit (1);
+    return true;
+}

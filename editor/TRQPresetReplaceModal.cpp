@@ -1,0 +1,27 @@
+#include "editor/TRQPresetReplaceModal.h"
+
+TRQPresetReplaceModal::TRQPresetReplaceModal (std::shared_ptr<TRQPresetController> c, const Values& v,
+                                              const Settings& s)
+    : TRQPresetModal (std::move (c), v, s)
+{
+    values = valuesFromVar (settings.get (Settings::values), values);
+    setUp ("Replace " + quoted (presetName), "Replace");
+}
+
+bool TRQPresetReplaceModal::submit()
+{
+    if (controller != nullptr)
+    {
+        const auto target = uuid();
+        controller->replacePreset (target, settings.get (Settings::name).toString(),
+                                   settings.get (Settings::note).toString(), urlOf (values), values);
+        controller->makeDefault (target, (bool)settings.get (Settings::makeDefault));
+        // A renamed preset that took another's place leaves its old entry behind.
+        if (settings.has (Settings::retireUuid))
+            if (const auto old = controller->indexOfUuid (settings.get (Settings::retireUuid).toString());
+                old.present)
+                controller->deletePreset (old.value);
+    }
+    closeSignal.emit (2);
+    return true;
+}

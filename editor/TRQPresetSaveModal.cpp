@@ -1,0 +1,43 @@
+#include "editor/TRQPresetSaveModal.h"
+
+TRQPresetSaveModal::TRQPresetSaveModal (std::shared_ptr<TRQPresetController> c, const Values& v,
+                                        const Settings& s)
+    : TRQPresetModal (std::move (c), v, s)
+{
+    setUp ("Save New Preset", "Save");
+    addNameAndNotes ("New Preset", {});
+    addMakeDefault (false);
+    addUrl ({}, true);
+}
+
+bool TRQPresetSaveModal::submit()
+{
+    const auto name = nameEditor->getText().trim();
+    if (name.isEmpty())
+    {
+        showError ("Preset Name is Required");
+        return false;
+    }
+    const auto note = notesEditor->getText().trim();
+    const bool makeDefault = makeDefaultToggle->getToggleState();
+    if (controller == nullptr)
+        return false;
+    if (const auto* existing = userPresetNamed (name, {}))
+    {
+        Settings replace;
+        replace.hasForm = true;
+        replace.set (Settings::kind, (int)replaceForm)
+            .set (Settings::uuid, existing->uuid)
+            .set (Settings::name, name)
+            .set (Settings::note, note)
+            .set (Settings::makeDefault, makeDefault)
+            .set (Settings::values, valuesToVar (values));
+        modalSignal.emit (2, replace);
+        return false;
+    }
+    const auto newUuid = controller->savePreset (name, note, urlOf (values), values);
+    if (makeDefault)
+        controller->makeDefault (newUuid, true);
+    closeSignal.emit (1);
+    return true;
+}
