@@ -1,6 +1,7 @@
 #include "editor/TRQAudioProcessorEditor.h"
 
 #include "core/TRQAudioProcessor.h"
+#include "editor/TRQBrowser.h"
 #include "editor/TRQControl.h"
 #include "editor/TRQEditorGLState.h"
 #include "editor/TRQEditorSize.h"
@@ -8,13 +9,20 @@
 #include "editor/TRQIndexedControl.h"
 #include "editor/TRQKeyboardFocusTraverser.h"
 #include "editor/TRQParameterGestures.h"
+#include "editor/TRQPresetModal.h"
+#include "editor/TRQPresetView.h"
 #include "editor/TRQSlider.h"
+#include "editor/TRQTaskButtons.h"
 #include "editor/TRQToggle.h"
+#include "editor/TRQToolbar.h"
 #include "editor/TRQValueLaw.h"
 #include "presets/TRQPresetController.h"
+#include "presets/TRQPresetURL.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "state/TRQParameterManager.h"
+#include "state/TRQUndoManager.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -56,6 +64,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
     , drawing (TRQDrawing::get())
     , gestures (std::make_unique<TRQParameterGestures> (p))
 {
+    presetController = p.getPresetController();
     setLookAndFeel (&lookAndFeel);
     juce::LookAndFeel::setDefaultLookAndFeel (&lookAndFeel);
     lookAndFeel.setStyle (prefs.darkMode);
@@ -87,6 +96,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
         processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "1" ||
         processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "true";
     setAdvancedPaneOpen (open, true);
+    connectPresetSignals();
 
     for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)
     {
@@ -133,6 +143,7 @@ TRQAudioProcessorEditor::~TRQAudioProcessorEditor()
     if (auto* focused = juce::Component::getCurrentlyFocusedComponent();
         focused != nullptr && isParentOf (focused))
         focused->giveAwayKeyboardFocus();
+    modalViewer.clear();
     for (auto* pane : {&mainPane, &centrePane, &advancedPane})
         pane->removeAllChildren();
     root.removeAllChildren();
@@ -168,6 +179,191 @@ void TRQAudioProcessorEditor::createChildren()
     }
     hud = std::make_shared<TRQHUDControl> (*gestures);
     root.addAndMakeVisible (*hud);
+
+    toolbar = std::make_shared<TRQToolbar>();
+    toolbar->setBounds (0, 350, 395, 30);
+    toolbar->setStyle (prefs.darkMode);
+    toolbar->pressed.connect (&TRQAudioProcessorEditor::toolbarPressed, this);
+    root.addAndMakeVisible (*toolbar);
+
+    presetView = std::make_shared<TRQPresetView> (presetController);
+    presetView->setBounds (0, 0, 395, 350);
+    presetView->setStyle (prefs.darkMode);
+    presetView->closeSignal.connect (this, [this] { closeModal (1); });
+    presetView->modalSignal.connect (this, [this] (int state, const TRQModalViewer::ModalSettings& settings)
+                                     { openModal (state, true, settings); });
+    root.addChildComponent (*presetView);
+
+    taskButtons = std::make_shared<TRQTaskButtons>();
+    taskButtons->setBounds (395, 0, 62, 380);
+    taskButtons->pressed.connect (&TRQAudioProcessorEditor::taskButtonPressed, this);
+    root.addAndMakeVisible (*taskButtons);
+
+    modalViewer.closedSignal.connect (this, [this] { closeModal (1); });
+    root.addChildComponent (modalViewer);
+
+    tooltipWindow = std::make_unique<juce::TooltipWindow> (&root, 700);
+}
+
+void TRQAudioProcessorEditor::connectPresetSignals()
+{
+    auto& manager = processor.getParameterManager();
+    toolbar->setActiveSlot (manager.getIsOnB() ? 1 : 0);
+    gestures->onABAction = [this] (int action) { toggleAB (action == 1); };
+
+    auto& undo = processor.getUndoManager();
+    undo.stateChanged.connect (toolbar.get(), [this] (bool canUndo, bool canRedo)
+                               { toolbar->setUndoState (canUndo, canRedo); });
+    toolbar->setUndoState (undo.canUndo(), undo.canRedo());
+
+    if (presetController == nullptr)
+        return;
+    presetController->presetNameChanged.connect (toolbar.get(),
+                                                 [this] (const juce::String&, bool) { showPresetName(); });
+    presetController->modifiedChanged.connect (toolbar.get(),
+                                               [this] (bool modified) { toolbar->setModified (modified); });
+    presetController->presetsLoaded.connect (toolbar.get(), [this] { showPresetName(); });
+    showPresetName();
+}
+
+void TRQAudioProcessorEditor::showPresetName()
+{
+    const auto& presets = presetController->getPresets();
+    const auto index = presetController->getCurrentPresetIndex();
+    const bool has = presetController->getHasSelection() && index < presets.size();
+    // A preset without a name of its own still needs something to click on.
+    const auto name = has && presets[index].name.isNotEmpty() ? presets[index].name : juce::String ("None");
+    toolbar->setPresetName (name, presetController->getIsModified());
+}
+
+void TRQAudioProcessorEditor::toolbarPressed (int id, int state)
+{
+    auto& undo = processor.getUndoManager();
+    switch (id)
+    {
+    case TRQToolbar::Presets:
+        if (state == 1)
+            openModal (1, true, {});
+        else
+        {
+            modalHistory.clear();
+            openModal (0, false, {});
+        }
+        break;
+    case TRQToolbar::PrevPreset:
+    case TRQToolbar::NextPreset:
+        if (presetController != nullptr && !presetController->getPresets().empty())
+        {
+            const auto count = (std::uint32_t)presetController->getPresets().size();
+            auto i = presetController->getCurrentPresetIndex();
+            if (id == TRQToolbar::PrevPreset)
+                i = (i == 0 ? count : i) - 1;
+            else if (++i >= count)
+                i -= count;
+            presetController->selectPreset (i, true, true);
+        }
+        break;
+    case TRQToolbar::Undo:
+        undo.undo();
+        toolbar->setUndoState (undo.canUndo(), undo.canRedo());
+        break;
+    case TRQToolbar::Redo:
+        undo.redo();
+        toolbar->setUndoState (undo.canUndo(), undo.canRedo());
+        break;
+    case TRQToolbar::SelectA:
+    case TRQToolbar::SelectB:
+        // Only a press on the slot that isn't live switches; the live one stays lit.
+        if ((id == TRQToolbar::SelectB) != processor.getParameterManager().getIsOnB())
+            toggleAB (false);
+        else
+            toolbar->setActiveSlot (processor.getParameterManager().getIsOnB() ? 1 : 0);
+        break;
+    case TRQToolbar::CopyAB:
+        toggleAB (true);
+        break;
+    default:
+        break;
+    }
+}
+
+void TRQAudioProcessorEditor::toggleAB (bool copy)
+{
+    const auto uuid = presetController != nullptr ? presetController->lastUuid() : juce::String();
+    const bool onB = processor.getParameterManager().toggleAB (uuid, copy);
+    toolbar->setActiveSlot (onB ? 1 : 0);
+}
+
+void TRQAudioProcessorEditor::taskButtonPressed (int id, int state)
+{
+    if (id == TRQTaskButtons::AdvancedControls)
+        setAdvancedPaneOpen (state != 0, false);
+    else if (id == TRQTaskButtons::GetCurrentSettings)
+        TRQBrowser::open (TRQPresetURL::settingsAsUrl (processor));
+}
+
+void TRQAudioProcessorEditor::openModal (int state, bool pushHistory,
+                                         const TRQModalViewer::ModalSettings& settings)
+{
+    if (state == modalState && settings == modalSettings)
+        return;
+    const int width = advancedPaneOpen ? TRQEditorSize::canvasWidth : TRQEditorSize::closedWidth;
+    switch (state)
+    {
+    case 0:
+        presetView->setVisible (false);
+        modalViewer.clear();
+        toolbar->setPresetsOpen (false);
+        mainPane.setInterceptsMouseClicks (true, true);
+        break;
+    case 1:
+        modalViewer.clear();
+        mainPane.setInterceptsMouseClicks (false, false);
+        presetView->setVisible (true);
+        toolbar->setPresetsOpen (true);
+        break;
+    case 2:
+    {
+        presetView->setVisible (false);
+        TRQPresetController::Values values{};
+        for (int i = 0; i < TRQAudioProcessor::numParameters; ++i)
+            values[(size_t)i] =
+                snapAndClamp (static_cast<ParameterId> (i), processor.getAudioParameter (i).getRealValue());
+        auto form = TRQPresetModal::make (presetController, values, settings);
+        form->closeSignal.connect (this, [this] (int count) { closeModal (count); });
+        form->modalSignal.connect (this, [this] (int next, const TRQModalViewer::ModalSettings& s)
+                                   { openModal (next, true, s); });
+        modalViewer.show (form, 0.925f, settings, width);
+        if (auto* name = form->getNameEditor())
+        {
+            name->getField().grabKeyboardFocus();
+            name->getField().selectAll();
+        }
+        break;
+    }
+    default:
+        return;
+    }
+    if (pushHistory)
+        modalHistory.emplace_back (modalState, modalSettings);
+    modalState = state;
+    modalSettings = settings;
+    gl->modalShowing.store (state == 2);
+}
+
+void TRQAudioProcessorEditor::closeModal (int count)
+{
+    for (int i = 0; i < count; ++i)
+    {
+        if (modalHistory.empty())
+        {
+            openModal (0, false, {});
+            continue;
+        }
+        const auto previous = modalHistory.back();
+        modalHistory.pop_back();
+        openModal (previous.first, false, previous.second);
+    }
 }
 
 TRQControl* TRQAudioProcessorEditor::getControl (int index) const
@@ -269,6 +465,10 @@ void TRQAudioProcessorEditor::setAdvancedPaneOpen (bool open, bool force)
         return;
     advancedPaneOpen = open;
     gl->advancedOpen.publish (open);
+    if (force && taskButtons != nullptr)
+        taskButtons->setButtonState (TRQTaskButtons::AdvancedControls, open ? 1 : 0);
+    if (modalViewer.isShowingModal())
+        modalViewer.setBounds (0, 0, open ? TRQEditorSize::canvasWidth : TRQEditorSize::closedWidth, 380);
     if (!open)
     {
         root.setBounds (0, 0, TRQEditorSize::closedWidth, TRQEditorSize::canvasHeight);
@@ -338,6 +538,8 @@ void TRQAudioProcessorEditor::setDarkMode (int mode)
     layout.setStyle (mode);
     lookAndFeel.setStyle (mode);
     sendLookAndFeelChange();
+    toolbar->setStyle (mode);
+    presetView->setStyle (mode);
     const auto language = TRQLanguage::drawingLanguage (prefs.language);
     for (auto& control : controls)
         if (control != nullptr)

@@ -5,6 +5,7 @@
 #include "editor/TRQLayoutComponent.h"
 #include "editor/TRQLookAndFeel.h"
 #include "editor/TRQMetaComponent.h"
+#include "editor/TRQModalViewer.h"
 #include "state/TRQSignals.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
@@ -12,6 +13,7 @@
 
 #include <array>
 #include <atomic>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -21,6 +23,10 @@ class TRQControl;
 class TRQHUDControl;
 class TRQParameterGestures;
 class TRQEditorGLState;
+class TRQPresetController;
+class TRQPresetView;
+class TRQTaskButtons;
+class TRQToolbar;
 class MeterMessaging;
 
 // The window content the host shows: artwork, one control per parameter, the
@@ -54,6 +60,13 @@ public:
     std::unique_ptr<juce::ComponentTraverser> createKeyboardFocusTraverser() override;
 
     void setAdvancedPaneOpen (bool open, bool force);
+    // Modal states: 0 none, 1 the preset browser, 2 a preset form chosen by the
+    // settings. Each opening can be pushed on a back stack that closeModal pops.
+    void openModal (int state, bool pushHistory, const TRQModalViewer::ModalSettings& settings);
+    void closeModal (int count);
+    int getModalState() const { return modalState; }
+    const TRQModalViewer::ModalSettings& getModalSettings() const { return modalSettings; }
+    size_t getModalHistorySize() const { return modalHistory.size(); }
     bool isAdvancedPaneOpen() const { return advancedPaneOpen; }
     // The single path of a new parameter value (real units) into the interface.
     void parameterChanged (int index, float value, bool notifyManager);
@@ -69,6 +82,10 @@ public:
     // Test and host-side hooks.
     TRQControl* getControl (int index) const;
     TRQHUDControl* getHUD() const { return hud.get(); }
+    TRQToolbar* getToolbar() const { return toolbar.get(); }
+    TRQTaskButtons* getTaskButtons() const { return taskButtons.get(); }
+    TRQPresetView* getPresetView() const { return presetView.get(); }
+    TRQModalViewer& getModalViewer() { return modalViewer; }
     TRQParameterGestures& getGestures() { return *gestures; }
     TRQEditorPreferences& getPreferences() { return prefs; }
     juce::Component& getRoot() { return root; }
@@ -97,6 +114,11 @@ private:
     void globalFocusChanged (juce::Component* focused) override;
 
     void createChildren();
+    void connectPresetSignals();
+    void toolbarPressed (int id, int state);
+    void taskButtonPressed (int id, int state);
+    void toggleAB (bool copy);
+    void showPresetName();
     void applySize (float scale);
     void updateEnablement (int sourceIndex);
     void publishFocusRing();
@@ -112,6 +134,15 @@ private:
     TRQMetaComponent advancedPane, root, mainPane, centrePane;
     TRQLayoutComponent layout;
     std::shared_ptr<TRQHUDControl> hud;
+    std::shared_ptr<TRQPresetView> presetView;
+    std::shared_ptr<TRQTaskButtons> taskButtons;
+    std::shared_ptr<TRQToolbar> toolbar;
+    TRQModalViewer modalViewer;
+    std::unique_ptr<juce::TooltipWindow> tooltipWindow;
+    std::shared_ptr<TRQPresetController> presetController;
+    int modalState = 0;
+    TRQModalViewer::ModalSettings modalSettings;
+    std::deque<std::pair<int, TRQModalViewer::ModalSettings>> modalHistory;
     std::unique_ptr<TRQParameterGestures> gestures;
     std::vector<std::shared_ptr<TRQControl>> controls;
     std::array<float, 21> editorValues{};
