@@ -116,7 +116,7 @@ void TRQPresetView::rebuild()
                                      if (section < sections.size())
                                          openSections[TRQPresetComponent::sectionKey (
                                              sections[section].kind, sections[section].title)] = open;
-                                     body->layOut (viewport.getMaximumVisibleWidth());
+                                     body->layOut (bodyWidth());
                                  });
         header->moved.connect (this, [this] (std::uint32_t index, std::uint32_t position)
                                { controller->movePreset (index, position); });
@@ -124,7 +124,7 @@ void TRQPresetView::rebuild()
             row->pressed.connect (this, [this] (std::uint32_t index, const juce::MouseEvent& e, bool menu)
                                   { rowPressed (index, e, menu); });
     }
-    body->layOut (viewport.getMaximumVisibleWidth());
+    body->layOut (bodyWidth());
     viewport.setViewPosition (0, viewY);
 }
 
@@ -273,5 +273,5 @@ void TRQPresetView::resized()
     closeButton->setBounds (w - 24 - 20, 2, 20, 20);
     saveButton->setBounds (w - 24 - 44, 2, 20, 20);
     viewport.setBounds (0, stripHeight, w, std::max (0, getHeight() - stripHeight));
-    body->layOut (viewport.getMaximumVisibleWidth());
+    body->layOut (bodyWidth());
 }

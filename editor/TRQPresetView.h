@@ -57,6 +57,8 @@ private:
     void rowPressed (std::uint32_t index, const juce::MouseEvent& e, bool menu);
     void markCurrent();
     bool step (int direction);
+    // Room for the scroll bar is kept, so rows don't change width as the list grows.
+    int bodyWidth() const { return std::max (0, viewport.getWidth() - viewport.getScrollBarThickness()); }
 
     std::shared_ptr<TRQPresetController> controller;
     juce::Viewport viewport;
