@@ -5,6 +5,7 @@ TRQPresetDeleteModal::TRQPresetDeleteModal (std::shared_ptr<TRQPresetController>
     : TRQPresetModal (std::move (c), v, s)
 {
     setUp ("Delete " + quoted (presetName), "Delete");
+    addNote ("The preset leaves the list of every instance; this can't be undone.");
 }
 
 bool TRQPresetDeleteModal::submit()

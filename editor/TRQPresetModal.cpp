@@ -173,6 +173,16 @@ void TRQPresetModal::addUrl (const juce::String& explanation, bool withHelpLink)
     }
 }
 
+void TRQPresetModal::addNote (const juce::String& text)
+{
+    note = std::make_shared<TRQTextDisplay> (juce::Font (16.0f, juce::Font::italic),
+                                             juce::Justification::topLeft);
+    note->setColour (juce::Colours::white.withAlpha ((juce::uint8)191));
+    note->setText (text);
+    addChild (note, true);
+    rows.push_back ({note.get(), 44});
+}
+
 void TRQPresetModal::showError (const juce::String& text)
 {
     errorDisplay->setText (text);

@@ -53,6 +53,7 @@ protected:
     void addNameAndNotes (const juce::String& name, const juce::String& note);
     void addMakeDefault (bool on);
     void addUrl (const juce::String& explanation, bool withHelpLink);
+    void addNote (const juce::String& text);
     void showError (const juce::String& text);
     // The first user section's preset of that name, other than the one with skipUuid.
     const PresetRecord* userPresetNamed (const juce::String& name, const juce::String& skipUuid) const;
@@ -62,7 +63,7 @@ protected:
     Values values;
     juce::String presetName;
     Settings settings;
-    std::shared_ptr<TRQTextDisplay> titleDisplay, errorDisplay, urlNote;
+    std::shared_ptr<TRQTextDisplay> titleDisplay, errorDisplay, urlNote, note;
     std::shared_ptr<TRQTextButton> cancelButton, submitButton, helpLink;
     std::shared_ptr<TRQTextButtonRow> buttonRow;
     std::shared_ptr<TRQTextEditorWithLabel> nameEditor, notesEditor, urlField;

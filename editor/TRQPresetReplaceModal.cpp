@@ -6,6 +6,7 @@ TRQPresetReplaceModal::TRQPresetReplaceModal (std::shared_ptr<TRQPresetControlle
 {
     values = valuesFromVar (settings.get (Settings::values), values);
     setUp ("Replace " + quoted (presetName), "Replace");
+    addNote ("A user preset of that name exists already. Replacing it gives it these settings.");
 }
 
 bool TRQPresetReplaceModal::submit()
