@@ -175,6 +175,11 @@ TEST_F (PresetWindow, SaveNewPreset)
     auto* saveForm = form (editor);
     ASSERT_NE (saveForm, nullptr);
     auto& field = saveForm->getNameEditor()->getField();
+    // Tab walks the form's fields and wraps.
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), &field),
+               &saveForm->getNotesEditor()->getField());
+    EXPECT_EQ (key (editor, juce::KeyPress (juce::KeyPress::tabKey), &saveForm->getNotesEditor()->getField()),
+               saveForm->getMakeDefaultToggle());
     type (editor, field, "   ");
     press (editor, juce::KeyPress::returnKey, &field);
     EXPECT_EQ (editor.getModalState(), 2);
