@@ -75,9 +75,11 @@ void TRQPresetView::setVisible (bool shouldBeVisible)
         controller->reload();
         const auto& presets = controller->getPresets();
         const auto current = controller->getCurrentPresetIndex();
-        if (controller->getHasSelection() && current < presets.size())
+        const auto& sections = controller->getSections();
+        if (controller->getHasSelection() && current < presets.size() &&
+            presets[current].section < sections.size())
         {
-            const auto& section = controller->getSections()[presets[current].section];
+            const auto& section = sections[presets[current].section];
             openSections[TRQPresetComponent::sectionKey (section.kind, section.title)] = true;
         }
         rebuild();
