@@ -158,6 +158,8 @@ void TRQPresetModal::addUrl (const juce::String& explanation, bool withHelpLink)
     urlField->getField().setCaretVisible (false);
     urlField->getField().setFont (juce::Font (TRQLookAndFeel::textFamily, "Regular", 14.0f));
     urlField->setText (urlOf (values));
+    urlField->getField().onReturnKey = [this] { submit(); };
+    urlField->getField().onEscapeKey = [this] { cancel(); };
     addChild (urlField, true);
     rows.push_back ({urlField.get(), 52});
     fields.push_back (&urlField->getField());
