@@ -125,6 +125,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
 
 TRQAudioProcessorEditor::~TRQAudioProcessorEditor()
 {
+    dismissPopupMenu();
     juce::Desktop::getInstance().removeFocusChangeListener (this);
     stopTimer();
     openGLContext.detach();
@@ -242,6 +243,22 @@ void TRQAudioProcessorEditor::paint (juce::Graphics& g)
     // frame and the first paint of the layout.
     if (gl->status.load() != glGood)
         g.fillAll (juce::Colour (0xff333333));
+}
+
+bool TRQAudioProcessorEditor::hitTest (int x, int y)
+{
+    return !isPopupMenuOpen() && juce::AudioProcessorEditor::hitTest (x, y);
+}
+
+void TRQAudioProcessorEditor::mouseDown (const juce::MouseEvent& e)
+{
+    handleEditorMouseDown (e);
+}
+
+void TRQAudioProcessorEditor::openPresetForm (bool update)
+{
+    // wired to the modal viewer
+    juce::ignoreUnused (update);
 }
 
 int TRQAudioProcessorEditor::getControlParameterIndex (juce::Component& component)
