@@ -247,7 +247,7 @@ void TRQAudioProcessorEditor::paint (juce::Graphics& g)
 
 bool TRQAudioProcessorEditor::hitTest (int x, int y)
 {
-    return !isPopupMenuOpen() && juce::AudioProcessorEditor::hitTest (x, y);
+    return mayTakeMouseAt ({x, y}) && juce::AudioProcessorEditor::hitTest (x, y);
 }
 
 void TRQAudioProcessorEditor::mouseDown (const juce::MouseEvent& e)

@@ -53,7 +53,7 @@ public:
     int getControlParameterIndex (juce::Component& component) override;
     void resized() override;
     void paint (juce::Graphics& g) override;
-    // Nothing of the panel takes the mouse while its context menu is open.
+    // Nothing of the panel but the menu takes the mouse while its context menu is open.
     bool hitTest (int x, int y) override;
     void mouseDown (const juce::MouseEvent& e) override;
     std::unique_ptr<juce::ComponentTraverser> createKeyboardFocusTraverser() override;

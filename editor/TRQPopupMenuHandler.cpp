@@ -139,6 +139,20 @@ void TRQPopupMenuHandler::dismissPopupMenu()
     menuOpen = false;
 }
 
+bool TRQPopupMenuHandler::mayTakeMouseAt (juce::Point<int> position)
+{
+    if (!menuOpen)
+        return true;
+    // The popup's windows are the always-on-top children that JUCE adds to the root;
+    // the point must reach them, or the menu never sees the pointer over it.
+    auto& root = editor().root;
+    const auto local = root.getLocalPoint (&editor(), position);
+    for (auto* child : root.getChildren())
+        if (child->isAlwaysOnTop() && child->isVisible() && child->getBounds().contains (local))
+            return true;
+    return false;
+}
+
 TRQPopupMenuHandler::MenuContext TRQPopupMenuHandler::contextAt (juce::Point<float> position)
 {
     auto& ed = editor();

@@ -23,6 +23,9 @@ public:
     virtual ~TRQPopupMenuHandler();
 
     bool isPopupMenuOpen() const { return menuOpen; }
+    // Whether a point of the editor may take the mouse: while the menu is open only
+    // the menu's own windows do, so that the panel under it stays still.
+    bool mayTakeMouseAt (juce::Point<int> editorPosition);
 
     // The parameter under a point in the editor's coordinates: a visible control's
     // bounds first, then the HUD's items.

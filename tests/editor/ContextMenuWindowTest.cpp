@@ -1,0 +1,272 @@
+#include "editor/EditorWindowSupport.h"
+
+#include "core/TRQAudioProcessor.h"
+#include "editor/TRQAudioProcessorEditor.h"
+#include "editor/TRQControl.h"
+#include "state/ParameterCatalogue.h"
+#include "state/ParameterRange.h"
+#include "state/TRQAudioParameter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+// The context menu in a real window: opened with the right button, items chosen by
+// clicking them in the popup, settings carried through the X server's clipboard.
+using namespace EditorWindowSupport;
+
+namespace
+{
+const juce::String lq = juce::CharPointer_UTF8 ("\xe2\x80\x9c");
+const juce::String rq = juce::CharPointer_UTF8 ("\xe2\x80\x9d");
+
+// The open popup windows of the editor, outermost first.
+std::vector<juce::Component*> menuWindows (TRQAudioProcessorEditor& editor)
+{
+    std::vector<juce::Component*> windows;
+    for (auto* child : editor.getRoot().getChildren())
+        if (child->getName() == "menu" && child->isVisible())
+            windows.push_back (child);
+    return windows;
+}
+
+// The item of an open menu whose text (its accessible title) is text.
+juce::Component* menuItem (TRQAudioProcessorEditor& editor, const juce::String& text)
+{
+    auto windows = menuWindows (editor);
+    for (auto w = windows.rbegin(); w != windows.rend(); ++w)
+        for (auto* item : (*w)->getChildren())
+            if (auto* handler = item->getAccessibilityHandler();
+                handler != nullptr && handler->getTitle() == text)
+                return item;
+    return nullptr;
+}
+
+juce::Point<float> centreInEditor (TRQAudioProcessorEditor& editor, juce::Component& c)
+{
+    return editor.getLocalPoint (&c, c.getLocalBounds().getCentre().toFloat());
+}
+
+// Hovers along the path of item texts, opening each submenu, and clicks the last
+// one with the left button, the way a user would.
+bool choose (TRQAudioProcessorEditor& editor, std::initializer_list<juce::String> path)
+{
+    for (const auto& text : path)
+    {
+        juce::Component* item = nullptr;
+        for (int i = 0; i < 40 && item == nullptr; ++i)
+        {
+            item = menuItem (editor, text);
+            if (item == nullptr)
+                pump (25);
+        }
+        if (item == nullptr)
+            return false;
+        const auto at = centreInEditor (editor, *item);
+        // An open menu follows the pointer of the X server, not the events sent to the
+        // window: the pointer goes there first.
+        juce::Desktop::setMousePosition (editor.localPointToGlobal (at).roundToInt());
+        mouseAt (editor, at);
+        // Submenus open after a short hover, a highlight waits until the pointer rests,
+        // and a click counts only once the window has been up a quarter of a second.
+        pump (500);
+        if (&text == path.end() - 1)
+        {
+            mouseAt (editor, at, juce::ModifierKeys::leftButtonModifier);
+            pump (150);
+            mouseAt (editor, at);
+            pump (150);
+        }
+    }
+    return true;
+}
+
+juce::Point<float> controlCentre (TRQAudioProcessorEditor& editor, int index)
+{
+    auto* control = editor.getControl (index);
+    return editor.getRoot().getLocalPoint (control, control->getLocalBounds().getCentre().toFloat());
+}
+
+float brightness (juce::Colour c)
+{
+    return (c.getFloatRed() + c.getFloatGreen() + c.getFloatBlue()) / 3.0f;
+}
+
+// Pixels of a canvas area that differ between two shots of the same editor size.
+int differingPixels (const juce::Image& a, const juce::Image& b, TRQAudioProcessorEditor& editor,
+                     juce::Rectangle<float> canvas)
+{
+    const auto area = editor.getLocalArea (&editor.getRoot(), canvas)
+                          .getSmallestIntegerContainer()
+                          .getIntersection (a.getBounds().getIntersection (b.getBounds()));
+    int count = 0;
+    for (int y = area.getY(); y < area.getBottom(); ++y)
+        for (int x = area.getX(); x < area.getRight(); ++x)
+            if (std::abs (brightness (a.getPixelAt (x, y)) - brightness (b.getPixelAt (x, y))) > 0.15f)
+                ++count;
+    return count;
+}
+
+class EditorMenuWindow : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!hasDisplay())
+            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
+        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        prefs->setInt ("AlwaysOpenAdvPane", 0);
+    }
+
+    void TearDown() override { juce::PopupMenu::dismissAllActiveMenus(); }
+
+    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
+};
+
+// The headings of the main panel, where every language draws its own shapes.
+const juce::Rectangle<float> labelArea{0.0f, 0.0f, 395.0f, 32.0f};
+} // namespace
+
+TEST_F (EditorMenuWindow, RightClickAControlAndChooseItems)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    juce::StringArray launched;
+    editor.setUrlLauncher (
+        [&] (const juce::String& url)
+        {
+            launched.add (url);
+            return true;
+        });
+    pump (200);
+
+    auto& input = processor.getAudioParameter (1);
+    input.setValueNotifyingHost (0.9f);
+    pump (100);
+
+    // Shift, Ctrl or Alt with the right button open nothing.
+    for (auto mods : {juce::ModifierKeys::shiftModifier, juce::ModifierKeys::ctrlModifier,
+                      juce::ModifierKeys::altModifier})
+    {
+        rightClick (editor, controlCentre (editor, 1), mods);
+        pump (100);
+        EXPECT_FALSE (editor.isPopupMenuOpen());
+        EXPECT_TRUE (menuWindows (editor).empty());
+    }
+
+    rightClick (editor, controlCentre (editor, 1));
+    pump (200);
+    ASSERT_TRUE (editor.isPopupMenuOpen());
+    ASSERT_EQ (menuWindows (editor).size(), 1u);
+    // Nothing of the panel takes the mouse meanwhile.
+    EXPECT_FALSE (editor.hitTest (10, 10));
+    const auto resetText = "Reset " + lq + "Input Gain" + rq + " to Factory Default Value";
+    ASSERT_NE (menuItem (editor, resetText), nullptr);
+    // The menu opens where the mouse is.
+    const auto menuPos = editor.getLocalPoint (menuWindows (editor)[0], juce::Point<float>());
+    const auto clickPos = canvasToEditor (editor, controlCentre (editor, 1));
+    EXPECT_NEAR (menuPos.x, clickPos.x, 30.0f);
+    save (capture (editor), "context-menu");
+
+    ASSERT_TRUE (choose (editor, {resetText}));
+    EXPECT_FALSE (editor.isPopupMenuOpen());
+    EXPECT_TRUE (menuWindows (editor).empty());
+    EXPECT_FLOAT_EQ (input.getRealValue(), ParameterCatalogue::row (1).defaultValue);
+    EXPECT_TRUE (editor.hitTest (10, 10));
+
+    // Lock, then the manual, each by a click.
+    rightClick (editor, controlCentre (editor, 1));
+    ASSERT_TRUE (choose (editor, {"Lock " + lq + "Input Gain" + rq + " When Switching Presets"}));
+    EXPECT_TRUE (processor.getPluginState().getLockStates()[1]);
+    EXPECT_TRUE (editor.getControl (1)->isLocked());
+    rightClick (editor, controlCentre (editor, 1));
+    ASSERT_TRUE (choose (editor, {"Read About " + lq + "Input Gain" + rq}));
+    ASSERT_EQ (launched.size(), 1);
+    EXPECT_TRUE (launched[0].endsWith ("#InputGain"));
+
+    // Escape puts the menu away with nothing chosen.
+    rightClick (editor, {200.0f, 10.0f});
+    pump (100);
+    ASSERT_TRUE (editor.isPopupMenuOpen());
+    EXPECT_EQ (menuItem (editor, resetText), nullptr); // no parameter section on the bare panel
+    juce::PopupMenu::dismissAllActiveMenus();
+    pump (100);
+    EXPECT_FALSE (editor.isPopupMenuOpen());
+}
+
+TEST_F (EditorMenuWindow, LanguagesDarkModeAndSizeThroughTheMenu)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    pump (300);
+    const auto english = capture (editor);
+    const auto empty = juce::Point<float> (200.0f, 10.0f);
+
+    rightClick (editor, empty);
+    ASSERT_TRUE (choose (editor, {"Preferences", "Language"}));
+    pump (200);
+    save (capture (editor), "context-menu-languages");
+    ASSERT_TRUE (choose (editor, {"Korean"}));
+    EXPECT_EQ (prefs->getString ("Language", ""), "Korean");
+    pump (300);
+    const auto korean = capture (editor);
+    save (korean, "menu-korean");
+    EXPECT_GT (differingPixels (english, korean, editor, labelArea), 200);
+
+    rightClick (editor, empty);
+    ASSERT_TRUE (choose (editor, {"Preferences", "Language", "Arabic"}));
+    EXPECT_EQ (prefs->getString ("Language", ""), "Arabic");
+    pump (300);
+    const auto arabic = capture (editor);
+    save (arabic, "menu-arabic");
+    EXPECT_GT (differingPixels (korean, arabic, editor, labelArea), 200);
+
+    rightClick (editor, empty);
+    ASSERT_TRUE (choose (editor, {"Preferences", "Language", "Emoji"}));
+    pump (300);
+    const auto emoji = capture (editor);
+    save (emoji, "menu-emoji");
+    // Pictures in place of the words.
+    EXPECT_GT (differingPixels (arabic, emoji, editor, labelArea), 200);
+    EXPECT_GT (differingPixels (english, emoji, editor, labelArea), 200);
+
+    // Dark mode: the panel's top left goes from near white to near black.
+    const auto panelPoint = canvasToEditor (editor, {150.0f, 300.0f}).roundToInt();
+    EXPECT_GT (brightness (english.getPixelAt (panelPoint.x, panelPoint.y)), 0.8f);
+    rightClick (editor, empty);
+    ASSERT_TRUE (choose (editor, {"Preferences", "Enable Dark Mode"}));
+    pump (300);
+    const auto dark = capture (editor);
+    EXPECT_EQ (prefs->getInt ("DarkMode", -1), 1);
+    EXPECT_LT (brightness (dark.getPixelAt (panelPoint.x, panelPoint.y)), 0.3f);
+
+    // Double size: the window and its artwork follow.
+    rightClick (editor, empty);
+    ASSERT_TRUE (choose (editor, {"Preferences", "Window Size", "XXL (200%)"}));
+    pump (400);
+    EXPECT_EQ (prefs->getInt ("UIScale", 0), 200);
+    EXPECT_EQ (editor.getWidth(), 914);
+    const auto large = capture (editor);
+    EXPECT_EQ (large.getWidth(), 914);
+    const auto largePoint = canvasToEditor (editor, {150.0f, 300.0f}).roundToInt();
+    EXPECT_LE (largePoint.getDistanceFrom (panelPoint * 2), 2);
+    EXPECT_LT (brightness (large.getPixelAt (largePoint.x, largePoint.y)), 0.3f);
+    EXPECT_LT (differingPixels (dark.rescaled (914, 760), large, editor, {0.0f, 0.0f, 457.0f, 380.0f}),
+               914 * 760 / 10);
+}
+
+TEST_F (EditorMenuWindow, ClosingTheEditorWithTheMenuOpen)
+{
+    TRQAudioProcessor processor;
+    auto opened = open (processor, prefs);
+    rightClick (*opened.editor, {200.0f, 10.0f});
+    pump (100);
+    ASSERT_TRUE (opened.editor->isPopupMenuOpen());
+    opened.editor.reset();
+    pump (200);
+    SUCCEED();
+}
