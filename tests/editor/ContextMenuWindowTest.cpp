@@ -3,6 +3,7 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQMenuItemId.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -269,4 +270,85 @@ TEST_F (EditorMenuWindow, ClosingTheEditorWithTheMenuOpen)
     opened.editor.reset();
     pump (200);
     SUCCEED();
+}
+
+// Copy in one editor, paste in another: first in this process, then in a second
+// process, which asks the X server for the text. JUCE makes its hidden message
+// window the owner of the selection, not the editor's window: the copying editor may
+// close, but this process must keep serving its message loop while the other one
+// reads.
+TEST_F (EditorMenuWindow, CopyAndPasteThroughTheXClipboard)
+{
+    const juce::Point<float> empty{200.0f, 10.0f};
+    const auto pasteText = juce::String ("Paste All Settings From Clipboard");
+
+    TRQAudioProcessor source;
+    source.getAudioParameter (2).setValueNotifyingHost (toNormalised (2, 60.0f));
+    auto from = open (source, prefs);
+    rightClick (*from.editor, empty);
+    ASSERT_TRUE (choose (*from.editor, {"Copy All Settings as URL to Clipboard"}));
+    EXPECT_TRUE (juce::SystemClipboard::getTextFromClipboard().endsWith ("/zolk-comp/3.5.0?cm=60"));
+
+    TRQAudioProcessor target;
+    auto& amount = target.getAudioParameter (2);
+    auto to = open (target, prefs);
+    // Side by side, so that the X server's pointer is over the window being used.
+    to.editor->setTopLeftPosition (560, 20);
+    pump (100);
+    rightClick (*to.editor, empty);
+    ASSERT_TRUE (choose (*to.editor, {pasteText}));
+    EXPECT_FLOAT_EQ (amount.getRealValue(), 60.0f);
+
+    // Other text and an empty clipboard: the item is there but can't be chosen, and
+    // the settings stay.
+    amount.setValueNotifyingHost (toNormalised (2, 20.0f));
+    for (const char* text : {"hello ?cm=5", ""})
+    {
+        juce::SystemClipboard::copyTextToClipboard (text);
+        rightClick (*to.editor, empty);
+        ASSERT_TRUE (choose (*to.editor, {pasteText}));
+        EXPECT_TRUE (to.editor->isPopupMenuOpen()) << text;
+        juce::PopupMenu::dismissAllActiveMenus();
+        pump (100);
+        to.editor->menuItemChosen (TRQMenuItemId::encode (TRQMenuItemId::pasteSettings, 0), {});
+        EXPECT_FLOAT_EQ (amount.getRealValue(), 20.0f) << text;
+    }
+
+    // Another process pastes what this one copied; the copying editor is gone by then.
+    source.getAudioParameter (2).setValueNotifyingHost (toNormalised (2, 42.0f));
+    rightClick (*from.editor, empty);
+    ASSERT_TRUE (choose (*from.editor, {"Copy All Settings as URL to Clipboard"}));
+    from.editor.reset();
+    to.editor.reset();
+    pump (100);
+
+    setenv ("ZOLK_PASTE_EXPECT", "42", 1);
+    juce::ChildProcess child;
+    const auto self = juce::File::getSpecialLocation (juce::File::currentExecutableFile).getFullPathName();
+    const bool started =
+        child.start (juce::StringArray{self, "--gtest_filter=EditorMenuWindow.PasteInAnotherProcess"});
+    unsetenv ("ZOLK_PASTE_EXPECT");
+    ASSERT_TRUE (started);
+    // Reading the child's output would block this message loop, which must answer the
+    // child's request for the selection: its few lines wait in the pipe until it ends.
+    for (int i = 0; i < 3000 && child.isRunning(); ++i)
+        pump (20);
+    const auto output = child.readAllProcessOutput();
+    EXPECT_EQ (child.getExitCode(), 0u) << output;
+    EXPECT_TRUE (output.contains ("[  PASSED  ] 1 test")) << output;
+}
+
+// The other half of the test above, run by it in a process of its own.
+TEST_F (EditorMenuWindow, PasteInAnotherProcess)
+{
+    const char* expected = std::getenv ("ZOLK_PASTE_EXPECT");
+    if (expected == nullptr)
+        GTEST_SKIP() << "run by CopyAndPasteThroughTheXClipboard";
+    TRQAudioProcessor processor;
+    auto opened = open (processor, prefs);
+    EXPECT_TRUE (juce::SystemClipboard::getTextFromClipboard().contains ("?cm=" + juce::String (expected)));
+    rightClick (*opened.editor, {200.0f, 10.0f});
+    ASSERT_TRUE (choose (*opened.editor, {"Paste All Settings From Clipboard"}));
+    EXPECT_FALSE (opened.editor->isPopupMenuOpen());
+    EXPECT_FLOAT_EQ (processor.getAudioParameter (2).getRealValue(), juce::String (expected).getFloatValue());
 }
