@@ -7,6 +7,7 @@
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
+#include "support/PresetFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -169,7 +170,6 @@ TEST_F (EditorMenuWindow, RightClickAControlAndChooseItems)
     const auto menuPos = editor.getLocalPoint (menuWindows (editor)[0], juce::Point<float>());
     const auto clickPos = canvasToEditor (editor, controlCentre (editor, 1));
     EXPECT_NEAR (menuPos.x, clickPos.x, 30.0f);
-    save (capture (editor), "context-menu");
 
     ASSERT_TRUE (choose (editor, {resetText}));
     EXPECT_FALSE (editor.isPopupMenuOpen());
@@ -209,8 +209,6 @@ TEST_F (EditorMenuWindow, LanguagesDarkModeAndSizeThroughTheMenu)
 
     rightClick (editor, empty);
     ASSERT_TRUE (choose (editor, {"Preferences", "Language"}));
-    pump (200);
-    save (capture (editor), "context-menu-languages");
     ASSERT_TRUE (choose (editor, {"Korean"}));
     EXPECT_EQ (prefs->getString ("Language", ""), "Korean");
     pump (300);
@@ -258,6 +256,46 @@ TEST_F (EditorMenuWindow, LanguagesDarkModeAndSizeThroughTheMenu)
     EXPECT_LT (brightness (large.getPixelAt (largePoint.x, largePoint.y)), 0.3f);
     EXPECT_LT (differingPixels (dark.rescaled (914, 760), large, editor, {0.0f, 0.0f, 457.0f, 380.0f}),
                914 * 760 / 10);
+}
+
+// The pictures in docs/screenshots: the menu over a control with the shipped factory
+// presets, and the language names, with the advanced pane open so that every submenu
+// opens to the right. Every menu window lies whole inside the panel.
+TEST_F (EditorMenuWindow, ReferenceScreenshots)
+{
+    PresetFolder folder;
+    folder.factory().getParentDirectory().createDirectory();
+    ASSERT_TRUE (juce::File (juce::String (ZOLK_SOURCE_DIR) + "/presets/factory/TQPresets.json")
+                     .copyFileTo (folder.factory()));
+    prefs->setInt ("AlwaysOpenAdvPane", 1);
+    TRQAudioProcessor processor;
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    pump (300);
+
+    const auto inside = [&]
+    {
+        for (auto* window : menuWindows (editor))
+            if (!editor.getRoot().getLocalBounds().contains (window->getBounds()))
+                return false;
+        return !menuWindows (editor).empty();
+    };
+
+    rightClick (editor, controlCentre (editor, 1) - juce::Point<float> (0.0f, 60.0f));
+    ASSERT_TRUE (choose (editor, {"Copy All Settings as URL to Clipboard"}) && !editor.isPopupMenuOpen());
+    rightClick (editor, controlCentre (editor, 1) - juce::Point<float> (0.0f, 60.0f));
+    // The pointer rests beside the menu, so that no item is highlighted in the picture.
+    juce::Desktop::setMousePosition (
+        editor.localPointToGlobal (canvasToEditor (editor, {5.0f, 370.0f})).roundToInt());
+    pump (400);
+    EXPECT_TRUE (inside());
+    save (capture (editor), "context-menu");
+
+    ASSERT_TRUE (choose (editor, {"Preferences", "Language"}));
+    pump (300);
+    EXPECT_EQ (menuWindows (editor).size(), 3u);
+    EXPECT_TRUE (inside());
+    save (capture (editor), "context-menu-languages");
 }
 
 TEST_F (EditorMenuWindow, ClosingTheEditorWithTheMenuOpen)
