@@ -148,14 +148,25 @@ TEST_F (EditorMenuWindow, RightClickAControlAndChooseItems)
     input.setValueNotifyingHost (0.9f);
     pump (100);
 
-    // Shift, Ctrl or Alt with the right button open nothing.
+    // Shift, Ctrl or Alt with the right button open nothing, and take the focus away.
+    auto* focusTarget = editor.getControl (5);
     for (auto mods : {juce::ModifierKeys::shiftModifier, juce::ModifierKeys::ctrlModifier,
                       juce::ModifierKeys::altModifier})
     {
+        for (int i = 0; i < 10 && !focusTarget->hasKeyboardFocus (true); ++i)
+        {
+            focusTarget->grabKeyboardFocus();
+            pump (20);
+        }
+        const bool hadFocus = focusTarget->hasKeyboardFocus (true);
         rightClick (editor, controlCentre (editor, 1), mods);
         pump (100);
         EXPECT_FALSE (editor.isPopupMenuOpen());
         EXPECT_TRUE (menuWindows (editor).empty());
+        if (hadFocus)
+        {
+            EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), nullptr);
+        }
     }
 
     rightClick (editor, controlCentre (editor, 1));
