@@ -109,6 +109,22 @@ int differingPixels (const juce::Image& a, const juce::Image& b, TRQAudioProcess
     return count;
 }
 
+// A right-button press handled right now, with no message loop in between: returns
+// the component that has the keyboard focus just after it.
+juce::Component* focusAfterRightPress (TRQAudioProcessorEditor& editor, juce::Point<float> canvas,
+                                       juce::ModifierKeys mods)
+{
+    const auto buttons = mods.withFlags (juce::ModifierKeys::rightButtonModifier);
+    juce::ModifierKeys::currentModifiers = buttons;
+    editor.getPeer()->handleMouseEvent (
+        juce::MouseInputSource::InputSourceType::mouse, canvasToEditor (editor, canvas), buttons,
+        juce::MouseInputSource::defaultPressure, juce::MouseInputSource::defaultOrientation,
+        juce::Time::currentTimeMillis());
+    auto* focused = juce::Component::getCurrentlyFocusedComponent();
+    mouseUp (editor, canvas, mods);
+    return focused;
+}
+
 class EditorMenuWindow : public ::testing::Test
 {
 protected:
@@ -162,13 +178,15 @@ TEST_F (EditorMenuWindow, RightClickAControlAndChooseItems)
         // the focus back to the last component that had it: wait for that first.
         pump (150);
         const bool hadFocus = focusTarget->hasKeyboardFocus (true);
-        rightClick (editor, controlCentre (editor, 1), mods);
+        // The server may hand the focus back later still; what counts is that the press
+        // took it away.
+        auto* focusedAfter = focusAfterRightPress (editor, controlCentre (editor, 1), mods);
         pump (100);
         EXPECT_FALSE (editor.isPopupMenuOpen());
         EXPECT_TRUE (menuWindows (editor).empty());
         if (hadFocus)
         {
-            EXPECT_EQ (juce::Component::getCurrentlyFocusedComponent(), nullptr);
+            EXPECT_EQ (focusedAfter, nullptr);
         }
     }
 
