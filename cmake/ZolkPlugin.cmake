@@ -49,6 +49,22 @@ target_compile_definitions(ZolkCompressor
     JucePlugin_LV2URI="${ZOLK_LV2_URI}"
     ZOLK_MAKER_URL="${ZOLK_MAKER_URL}")
 
+# The menu's addresses and version line go to the one file that uses them, so that a
+# new stamp rebuilds that file and nothing else.
+set(zolk_stamp "${ZOLK_BUILD_STAMP}")
+if(zolk_stamp STREQUAL "")
+  execute_process(COMMAND git rev-parse --short HEAD
+    WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
+    OUTPUT_VARIABLE zolk_stamp OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(zolk_stamp STREQUAL "")
+    set(zolk_stamp "dev")
+  endif()
+endif()
+set_property(SOURCE "${CMAKE_CURRENT_SOURCE_DIR}/editor/TRQProductLinks.cpp" APPEND PROPERTY COMPILE_DEFINITIONS
+  "ZOLK_MANUALS_URL=\"${ZOLK_MANUALS_URL}\""
+  "ZOLK_PRODUCT_URL=\"${ZOLK_PRODUCT_URL}\""
+  "ZOLK_BUILD_STAMP=\"${zolk_stamp}\"")
+
 include(ZolkResources)
 
 target_link_libraries(ZolkCompressor

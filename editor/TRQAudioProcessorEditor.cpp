@@ -135,6 +135,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
 
 TRQAudioProcessorEditor::~TRQAudioProcessorEditor()
 {
+    dismissPopupMenu();
     juce::Desktop::getInstance().removeFocusChangeListener (this);
     stopTimer();
     openGLContext.detach();
@@ -438,6 +439,33 @@ void TRQAudioProcessorEditor::paint (juce::Graphics& g)
     // frame and the first paint of the layout.
     if (gl->status.load() != glGood)
         g.fillAll (juce::Colour (0xff333333));
+}
+
+bool TRQAudioProcessorEditor::hitTest (int x, int y)
+{
+    return mayTakeMouseAt ({x, y}) && juce::AudioProcessorEditor::hitTest (x, y);
+}
+
+void TRQAudioProcessorEditor::mouseDown (const juce::MouseEvent& e)
+{
+    handleEditorMouseDown (e);
+}
+
+void TRQAudioProcessorEditor::openPresetForm (bool update)
+{
+    TRQModalViewer::ModalSettings settings;
+    if (update)
+    {
+        if (presetController == nullptr || !presetController->getHasSelection())
+            return;
+        const auto preset = presetController->getPreset (presetController->getCurrentPresetIndex());
+        if (!preset)
+            return;
+        settings.hasForm = true;
+        settings.set (TRQModalViewer::ModalSettings::kind, TRQPresetModal::updateForm)
+            .set (TRQModalViewer::ModalSettings::uuid, preset.value.uuid);
+    }
+    openModal (2, true, settings);
 }
 
 int TRQAudioProcessorEditor::getControlParameterIndex (juce::Component& component)

@@ -6,6 +6,7 @@
 #include "editor/TRQLookAndFeel.h"
 #include "editor/TRQMetaComponent.h"
 #include "editor/TRQModalViewer.h"
+#include "editor/TRQPopupMenuHandler.h"
 #include "state/TRQSignals.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
@@ -35,6 +36,7 @@ class MeterMessaging;
 // door. Without a usable OpenGL 3.2 the panel paints itself in software and shows no
 // meters.
 class TRQAudioProcessorEditor : public juce::AudioProcessorEditor,
+                                public TRQPopupMenuHandler,
                                 public TRQSignals::Trackable,
                                 private juce::Timer,
                                 private juce::OpenGLRenderer,
@@ -57,6 +59,9 @@ public:
     int getControlParameterIndex (juce::Component& component) override;
     void resized() override;
     void paint (juce::Graphics& g) override;
+    // Nothing of the panel but the menu takes the mouse while its context menu is open.
+    bool hitTest (int x, int y) override;
+    void mouseDown (const juce::MouseEvent& e) override;
     std::unique_ptr<juce::ComponentTraverser> createKeyboardFocusTraverser() override;
 
     void setAdvancedPaneOpen (bool open, bool force);
@@ -107,6 +112,8 @@ public:
     void resizeEnd() override { isResizing = false; }
 
 private:
+    friend class TRQPopupMenuHandler;
+
     void timerCallback() override;
     void newOpenGLContextCreated() override;
     void renderOpenGL() override;
@@ -124,6 +131,8 @@ private:
     void publishFocusRing();
     void renderBackgroundIfNeeded();
     void publishMeterSource();
+    // The preset save form, or with update the form that rewrites the current preset.
+    void openPresetForm (bool update);
 
     TRQAudioProcessor& processor;
     TRQEditorPreferences prefs;

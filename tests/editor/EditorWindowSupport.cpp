@@ -15,17 +15,22 @@ juce::ComponentPeer* peerOf (TRQAudioProcessorEditor& editor)
     return editor.getPeer();
 }
 
-void send (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+void sendAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods)
 {
     auto* peer = peerOf (editor);
     if (peer == nullptr)
         return;
     eventTime = std::max (eventTime + 20, (juce::int64)juce::Time::currentTimeMillis());
     juce::ModifierKeys::currentModifiers = mods;
-    peer->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, canvasToEditor (editor, canvas),
-                            mods, juce::MouseInputSource::defaultPressure,
+    peer->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, position, mods,
+                            juce::MouseInputSource::defaultPressure,
                             juce::MouseInputSource::defaultOrientation, eventTime);
     pump (20);
+}
+
+void send (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    sendAt (editor, canvasToEditor (editor, canvas), mods);
 }
 } // namespace
 
@@ -123,6 +128,17 @@ void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce
 void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
 {
     send (editor, canvas, mods.withoutMouseButtons());
+}
+
+void rightClick (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods)
+{
+    send (editor, canvas, mods.withFlags (juce::ModifierKeys::rightButtonModifier));
+    send (editor, canvas, mods.withoutMouseButtons());
+}
+
+void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods)
+{
+    sendAt (editor, position, mods);
 }
 
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY, juce::ModifierKeys mods)

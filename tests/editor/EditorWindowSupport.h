@@ -40,6 +40,12 @@ juce::Point<float> canvasToEditor (TRQAudioProcessorEditor& editor, juce::Point<
 void mouseDown (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
 void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
 void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+// A right-button press and its release at once, as a quick click: a menu it opens
+// stays open.
+void rightClick (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+// One mouse event at a position in the editor's own coordinates, outside the canvas
+// transform (popup menus live there).
+void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods = {});
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
 // A key to whatever has focus; with a target, that target is given the focus first
