@@ -51,6 +51,8 @@ void TRQEditorGLState::contextClosing()
     sketch.reset();
     currentSource = {};
     background.release();
+    blurred.release();
+    blurredCurrent = false;
     if (renderer != nullptr)
         renderer->release();
     renderer.reset();
@@ -94,13 +96,11 @@ void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
             background.loadImage (pendingBackground);
             backgroundWidth = pendingBackground.getWidth();
             backgroundHeight = pendingBackground.getHeight();
+            blurredCurrent = false;
         }
         backgroundPending = false;
     }
-    glEnable (GL_BLEND);
-    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    if (backgroundWidth > 0)
-        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+    drawBackground (viewport);
 
     renderer->beginFrame (canvasScale.load(), viewport.getWidth(), viewport.getHeight(), scale);
     const double now = start / 1000.0;
@@ -127,6 +127,41 @@ void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
         std::fprintf (stderr, "first frame %.1f ms after the editor was made\n",
                       juce::Time::getMillisecondCounterHiRes() - createdMs);
     lastFrameMs.store (juce::Time::getMillisecondCounterHiRes() - start);
+}
+
+void TRQEditorGLState::drawBackground (juce::Rectangle<int> viewport)
+{
+    glEnable (GL_BLEND);
+    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    if (backgroundWidth <= 0)
+        return;
+    if (!modalShowing.load())
+    {
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        return;
+    }
+    // 225 taps a pixel is too dear for every frame: blur once into a buffer and
+    // lay that over the sharp image from then on.
+    if (!blurredCurrent || blurred.getWidth() != backgroundWidth || blurred.getHeight() != backgroundHeight)
+    {
+        GLint previousFrameBuffer = 0;
+        glGetIntegerv (GL_FRAMEBUFFER_BINDING, &previousFrameBuffer);
+        if ((blurred.getWidth() != backgroundWidth || blurred.getHeight() != backgroundHeight) &&
+            !blurred.initialise (context, backgroundWidth, backgroundHeight))
+        {
+            renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+            return;
+        }
+        glBindFramebuffer (GL_FRAMEBUFFER, blurred.getFrameBufferID());
+        glViewport (0, 0, backgroundWidth, backgroundHeight);
+        glDisable (GL_BLEND);
+        renderer->drawBlurred (background.getTextureID());
+        glEnable (GL_BLEND);
+        glBindFramebuffer (GL_FRAMEBUFFER, (GLuint)previousFrameBuffer);
+        glViewport (0, 0, viewport.getWidth(), viewport.getHeight());
+        blurredCurrent = true;
+    }
+    renderer->drawMix (background.getTextureID(), blurred.getTextureID());
 }
 
 void TRQEditorGLState::renderMeters (double now)

@@ -76,6 +76,7 @@ private:
     bool checkContext();
     void renderMeters (double nowSeconds);
     void renderFocusRing();
+    void drawBackground (juce::Rectangle<int> viewport);
 
     juce::OpenGLContext& context;
     const double createdMs;
@@ -91,6 +92,9 @@ private:
     MeterSource currentSource;
     juce::OpenGLTexture background;
     int backgroundWidth = 0, backgroundHeight = 0;
+    // The background blurred behind a modal, made once per background and size.
+    juce::OpenGLFrameBuffer blurred;
+    bool blurredCurrent = false;
     int darkModeNow = 0, meteringNow = 1, focusNow = -1;
     bool advancedNow = false;
     double lastFrameTime = 0.0;
