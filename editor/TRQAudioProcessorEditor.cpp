@@ -10,6 +10,7 @@
 #include "editor/TRQParameterGestures.h"
 #include "editor/TRQSlider.h"
 #include "editor/TRQToggle.h"
+#include "editor/TRQTransientValueView.h"
 #include "editor/TRQValueLaw.h"
 #include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
@@ -17,6 +18,7 @@
 #include "state/TRQAudioParameter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 namespace
@@ -72,6 +74,8 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
 
     processor.dspAnnounced.connect (&TRQAudioProcessorEditor::publishMeterSource, this);
     createChildren();
+    transientValue = std::make_shared<TRQTransientValueView>();
+    root.addChild (transientValue, false);
 
     gl->darkMode.publish (prefs.darkMode);
     gl->metering.publish (prefs.metering);
@@ -313,6 +317,11 @@ void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool not
             controller->updateModified (
                 HVNChecked<std::uint32_t> ((std::uint32_t)index),
                 HVNChecked<float> (toNormalised (static_cast<ParameterId> (index), value)));
+
+    // A hidden control shows where its value went; the first value is no change.
+    if (changed && !std::isnan (previous) && !advancedPaneOpen && control != nullptr &&
+        control->getRow().pane == 2)
+        transientValue->show (controls[(size_t)index]);
 }
 
 void TRQAudioProcessorEditor::updateEnablement (int sourceIndex)

@@ -19,6 +19,7 @@
 class TRQAudioProcessor;
 class TRQControl;
 class TRQHUDControl;
+class TRQTransientValueView;
 class TRQParameterGestures;
 class TRQEditorGLState;
 class MeterMessaging;
@@ -69,6 +70,7 @@ public:
     // Test and host-side hooks.
     TRQControl* getControl (int index) const;
     TRQHUDControl* getHUD() const { return hud.get(); }
+    TRQTransientValueView& getTransientValueView() const { return *transientValue; }
     TRQParameterGestures& getGestures() { return *gestures; }
     TRQEditorPreferences& getPreferences() { return prefs; }
     juce::Component& getRoot() { return root; }
@@ -112,6 +114,7 @@ private:
     TRQMetaComponent advancedPane, root, mainPane, centrePane;
     TRQLayoutComponent layout;
     std::shared_ptr<TRQHUDControl> hud;
+    std::shared_ptr<TRQTransientValueView> transientValue;
     std::unique_ptr<TRQParameterGestures> gestures;
     std::vector<std::shared_ptr<TRQControl>> controls;
     std::array<float, 21> editorValues{};

@@ -64,6 +64,23 @@ public:
     // The control's ring in its own units, for the GL pass.
     virtual void updateFocusRing();
 
+    // Shows the value for a moment where the control itself can't be seen, as when
+    // automation moves a control of the closed advanced pane. It fades in, holds
+    // while changes keep coming, and fades out.
+    void showTransientValue();
+    bool isShowingTransientValue() const { return valueDisplayActive; }
+    float transientValueAlpha() const { return valueDisplayActive ? valueText.valueAt (nowMs()) : 0.0f; }
+    // The current value as the control shows it, centred in area.
+    virtual void paintValue (juce::Graphics& g, juce::Rectangle<float> area) const;
+    const TRQDrawingList& getLabelList() const { return labelList; }
+    int getStyle() const { return style; }
+    static constexpr double transientFadeInMs = 125.0;
+    static constexpr double transientHoldMs = 1500.0;
+    static constexpr double transientFadeOutMs = 250.0;
+
+    // 0..1: how far the hover highlight has come in.
+    float hoverAmount() const { return hoverAnimation.valueAt (nowMs()); }
+
     void paint (juce::Graphics& g) override;
     void mouseDown (const juce::MouseEvent& e) override;
     void mouseUp (const juce::MouseEvent& e) override;
@@ -97,6 +114,10 @@ protected:
     float dimAmount() const { return dimAnimation.valueAt (nowMs()); }
     virtual bool isAnimating() const;
     virtual void valueArrived (float normalised);
+    // Whether a mouse at this position lights the control up; all of it by default.
+    virtual bool isOverHoverTarget (juce::Point<float> position) const;
+    void updateHover();
+    void setHover (bool over);
 
     const int parameterIndex;
     TRQAudioParameter& parameter;
@@ -127,12 +148,17 @@ protected:
     juce::String typedText;
     TRQDrawingList labelList;
     TRQAnimatedValue dimAnimation{250.0};
+    TRQAnimatedValue hoverAnimation{125.0};
+    TRQAnimatedValue valueText{transientFadeInMs};
+    bool valueDisplayActive = false;
+    double transientShownMs = 0.0;
     double lastWheelMs = 0.0;
     double downTimeMs = 0.0;
 
 private:
     void gestureBegin();
     void gestureEnd();
+    void advanceTransientValue();
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TRQControl)
 };
