@@ -89,8 +89,7 @@ bool TRQControl::isOverHoverTarget (juce::Point<float>) const
 void TRQControl::updateHover()
 {
     // Also when the mouse stands still and the control moves under it.
-    setHover (isShowing() && isMouseOver (false) && isEnabled() &&
-              isOverHoverTarget (getMouseXYRelative().toFloat()));
+    setHover (mouseInside && isShowing() && isEnabled() && isOverHoverTarget (lastMousePosition));
 }
 
 void TRQControl::setHover (bool over)
@@ -359,18 +358,22 @@ void TRQControl::mouseUp (const juce::MouseEvent&)
 void TRQControl::mouseMove (const juce::MouseEvent& e)
 {
     tooltipWanted = isOverActiveArea (e.getPosition());
+    lastMousePosition = e.position;
     setHover (isEnabled() && isOverHoverTarget (e.position));
 }
 
 void TRQControl::mouseEnter (const juce::MouseEvent& e)
 {
     tooltipWanted = true;
+    mouseInside = true;
+    lastMousePosition = e.position;
     setHover (isEnabled() && isOverHoverTarget (e.position));
 }
 
 void TRQControl::mouseExit (const juce::MouseEvent&)
 {
     tooltipWanted = false;
+    mouseInside = false;
     setHover (false);
 }
 

@@ -151,6 +151,9 @@ protected:
     TRQAnimatedValue hoverAnimation{125.0};
     TRQAnimatedValue valueText{transientFadeInMs};
     bool valueDisplayActive = false;
+    // Where the mouse was last seen over this control, from its own events.
+    juce::Point<float> lastMousePosition;
+    bool mouseInside = false;
     double transientShownMs = 0.0;
     double lastWheelMs = 0.0;
     double downTimeMs = 0.0;

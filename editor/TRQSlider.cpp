@@ -145,6 +145,7 @@ void TRQSlider::mouseDown (const juce::MouseEvent& e)
         dragStartValue = parameter.getValue();
     }
     lastPos = pos;
+    lastMousePosition = pos;
     pressAnimation.setTarget (1.0f, 125.0, nowMs());
     dirty = true;
 }
@@ -155,6 +156,7 @@ void TRQSlider::mouseDrag (const juce::MouseEvent& e)
         return;
     isDragging = true;
     const auto pos = e.position;
+    lastMousePosition = pos;
     const auto delta = pos - lastPos;
     if (!TRQValueLaw::modifiersAre (e.mods, juce::ModifierKeys::ctrlModifier))
     {

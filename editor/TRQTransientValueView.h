@@ -13,7 +13,7 @@ class TRQTransientValueView : public TRQComponent, private juce::Timer
 {
 public:
     // The panel in canvas units; the component is larger by the shadow's margin.
-    static juce::Rectangle<float> panelArea() { return {130.0f, 150.0f, 136.0f, 56.0f}; }
+    static juce::Rectangle<float> panelArea() { return {130.0f, 66.0f, 136.0f, 56.0f}; }
     static constexpr int shadowMargin = 10;
 
     TRQTransientValueView();

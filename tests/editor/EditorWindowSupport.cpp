@@ -125,6 +125,11 @@ void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::
     send (editor, canvas, mods.withoutMouseButtons());
 }
 
+void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    send (editor, canvas, {});
+}
+
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY, juce::ModifierKeys mods)
 {
     auto* peer = peerOf (editor);

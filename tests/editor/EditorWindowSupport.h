@@ -40,6 +40,7 @@ juce::Point<float> canvasToEditor (TRQAudioProcessorEditor& editor, juce::Point<
 void mouseDown (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
 void mouseDrag (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
 void mouseUp (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::ModifierKeys mods = {});
+void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas);
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
 // A key to whatever has focus; with a target, that target is given the focus first
