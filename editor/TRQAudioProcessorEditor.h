@@ -71,6 +71,7 @@ public:
     TRQControl* getControl (int index) const;
     TRQHUDControl* getHUD() const { return hud.get(); }
     TRQTransientValueView& getTransientValueView() const { return *transientValue; }
+    TRQEditorGLState& getGLState() const { return *gl; }
     TRQParameterGestures& getGestures() { return *gestures; }
     TRQEditorPreferences& getPreferences() { return prefs; }
     juce::Component& getRoot() { return root; }

@@ -156,6 +156,7 @@ void TRQEditorGLState::drawBackground (juce::Rectangle<int> viewport)
         glViewport (0, 0, backgroundWidth, backgroundHeight);
         glDisable (GL_BLEND);
         renderer->drawBlurred (background.getTextureID());
+        blurPasses.fetch_add (1);
         glEnable (GL_BLEND);
         glBindFramebuffer (GL_FRAMEBUFFER, (GLuint)previousFrameBuffer);
         glViewport (0, 0, viewport.getWidth(), viewport.getHeight());

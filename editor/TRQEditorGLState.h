@@ -70,6 +70,8 @@ public:
     Published<int> focusParameter;
     TRQFocusRing ring; // in canvas units of the root
     std::atomic<int> frames{0};
+    // Times the background was blurred, which a modal shown for a while does once.
+    std::atomic<int> blurPasses{0};
     std::atomic<double> lastFrameMs{0.0};
 
 private:

@@ -3,12 +3,14 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQEditorGLState.h"
 #include "editor/TRQSlider.h"
 #include "editor/TRQTransientValueView.h"
 #include "state/TRQAudioParameter.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 using namespace EditorWindowSupport;
@@ -210,4 +212,51 @@ TEST_F (EditorWindowAnimation, ThumbGlidesAndReportsEveryPosition)
     }
     EXPECT_GE (between, 2) << "a 100 ms glide seen by a 16 ms timer";
     EXPECT_NEAR (slider->thumbBounds().getCentreY(), slider->thumbCentreFor (1.0f).y, 0.01f);
+}
+
+// Behind a modal the GL pass shows the artwork blurred, made once and reused by
+// every frame after; a new size blurs again.
+TEST_F (EditorWindowAnimation, ModalBackgroundIsBlurredOnce)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no GL background without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    auto& gl = editor.getGLState();
+    pump (200);
+    // The heading "Input" over a white panel: dark ink when sharp.
+    auto darkest = [&editor] (const juce::Image& shot)
+    {
+        float lowest = 1.0f;
+        for (float y = 10.0f; y < 28.0f; y += 1.0f)
+            for (float x = 20.0f; x < 60.0f; x += 1.0f)
+            {
+                const auto p = canvasToEditor (editor, {x, y}).roundToInt();
+                const auto c = shot.getPixelAt (p.x, p.y);
+                lowest = std::min (lowest, (c.getFloatRed() + c.getFloatGreen() + c.getFloatBlue()) / 3.0f);
+            }
+        return lowest;
+    };
+    EXPECT_LT (darkest (capture (editor)), 0.3f);
+    EXPECT_EQ (gl.blurPasses.load(), 0);
+
+    gl.modalShowing = true;
+    pump (300);
+    const int framesBefore = editor.getFramesRendered();
+    pump (300);
+    EXPECT_GT (editor.getFramesRendered(), framesBefore);
+    EXPECT_EQ (gl.blurPasses.load(), 1);
+    const auto blurred = capture (editor);
+    save (blurred, "editor-modal-blur");
+    EXPECT_GT (darkest (blurred), 0.6f) << "the heading's ink spread over 15 pixels";
+
+    editor.setUserScale (120);
+    pump (400);
+    EXPECT_EQ (gl.blurPasses.load(), 2);
+
+    gl.modalShowing = false;
+    pump (300);
+    EXPECT_LT (darkest (capture (editor)), 0.3f);
 }
