@@ -52,6 +52,7 @@ void TRQEditorGLState::contextClosing()
     currentSource = {};
     background.release();
     blurred.release();
+    reduced.release();
     blurredCurrent = false;
     if (renderer != nullptr)
         renderer->release();
@@ -142,27 +143,53 @@ void TRQEditorGLState::drawBackground (juce::Rectangle<int> viewport)
     }
     // 225 taps a pixel is too dear for every frame: blur once into a buffer and
     // lay that over the sharp image from then on.
-    if (!blurredCurrent || blurred.getWidth() != backgroundWidth || blurred.getHeight() != backgroundHeight)
+    if (!blurredCurrent && !blurBackground())
     {
-        GLint previousFrameBuffer = 0;
-        glGetIntegerv (GL_FRAMEBUFFER_BINDING, &previousFrameBuffer);
-        if ((blurred.getWidth() != backgroundWidth || blurred.getHeight() != backgroundHeight) &&
-            !blurred.initialise (context, backgroundWidth, backgroundHeight))
-        {
-            renderer->drawTexture (background, backgroundWidth, backgroundHeight);
-            return;
-        }
-        glBindFramebuffer (GL_FRAMEBUFFER, blurred.getFrameBufferID());
-        glViewport (0, 0, backgroundWidth, backgroundHeight);
-        glDisable (GL_BLEND);
-        renderer->drawBlurred (background.getTextureID());
-        blurPasses.fetch_add (1);
-        glEnable (GL_BLEND);
-        glBindFramebuffer (GL_FRAMEBUFFER, (GLuint)previousFrameBuffer);
-        glViewport (0, 0, viewport.getWidth(), viewport.getHeight());
-        blurredCurrent = true;
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        return;
     }
+    glViewport (0, 0, viewport.getWidth(), viewport.getHeight());
     renderer->drawMix (background.getTextureID(), blurred.getTextureID());
+}
+
+bool TRQEditorGLState::blurBackground()
+{
+    // The blur works on canvas units, not device pixels: it looks the same at every
+    // size, and a large window costs no more than one at 100 %.
+    const float pixelsPerUnit = std::max (1.0f, canvasScale.load() * renderScale.load());
+    const int width = std::max (1, juce::roundToInt ((float)backgroundWidth / pixelsPerUnit));
+    const int height = std::max (1, juce::roundToInt ((float)backgroundHeight / pixelsPerUnit));
+    const bool reduce = width < backgroundWidth || height < backgroundHeight;
+    auto fits = [&] (juce::OpenGLFrameBuffer& buffer)
+    {
+        return (buffer.getWidth() == width && buffer.getHeight() == height) ||
+               buffer.initialise (context, width, height);
+    };
+    if (!fits (blurred) || (reduce && !fits (reduced)))
+        return false;
+
+    const double start = juce::Time::getMillisecondCounterHiRes();
+    GLint previousFrameBuffer = 0;
+    glGetIntegerv (GL_FRAMEBUFFER_BINDING, &previousFrameBuffer);
+    glDisable (GL_BLEND);
+    glViewport (0, 0, width, height);
+    GLuint source = background.getTextureID();
+    if (reduce)
+    {
+        glBindFramebuffer (GL_FRAMEBUFFER, reduced.getFrameBufferID());
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        source = reduced.getTextureID();
+    }
+    glBindFramebuffer (GL_FRAMEBUFFER, blurred.getFrameBufferID());
+    renderer->drawBlurred (source);
+    // Once per background: wait for it, so that its cost is known.
+    glFinish();
+    glBindFramebuffer (GL_FRAMEBUFFER, (GLuint)previousFrameBuffer);
+    glEnable (GL_BLEND);
+    lastBlurMs.store (juce::Time::getMillisecondCounterHiRes() - start);
+    blurPasses.fetch_add (1);
+    blurredCurrent = true;
+    return true;
 }
 
 void TRQEditorGLState::renderMeters (double now)

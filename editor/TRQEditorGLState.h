@@ -72,6 +72,7 @@ public:
     std::atomic<int> frames{0};
     // Times the background was blurred, which a modal shown for a while does once.
     std::atomic<int> blurPasses{0};
+    std::atomic<double> lastBlurMs{0.0};
     std::atomic<double> lastFrameMs{0.0};
 
 private:
@@ -79,6 +80,7 @@ private:
     void renderMeters (double nowSeconds);
     void renderFocusRing();
     void drawBackground (juce::Rectangle<int> viewport);
+    bool blurBackground();
 
     juce::OpenGLContext& context;
     const double createdMs;
@@ -95,7 +97,7 @@ private:
     juce::OpenGLTexture background;
     int backgroundWidth = 0, backgroundHeight = 0;
     // The background blurred behind a modal, made once per background and size.
-    juce::OpenGLFrameBuffer blurred;
+    juce::OpenGLFrameBuffer blurred, reduced;
     bool blurredCurrent = false;
     int darkModeNow = 0, meteringNow = 1, focusNow = -1;
     bool advancedNow = false;
