@@ -68,6 +68,7 @@ public:
     // automation moves a control of the closed advanced pane. It fades in, holds
     // while changes keep coming, and fades out.
     void showTransientValue();
+    void endTransientValue() { valueDisplayActive = false; }
     bool isShowingTransientValue() const { return valueDisplayActive; }
     float transientValueAlpha() const { return valueDisplayActive ? valueText.valueAt (nowMs()) : 0.0f; }
     // The current value as the control shows it, centred in area.

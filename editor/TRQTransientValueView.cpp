@@ -12,6 +12,18 @@ void TRQTransientValueView::show (const std::shared_ptr<TRQControl>& control)
 {
     if (control == nullptr)
         return;
+    // Several hidden controls changing at once is a preset, an undo or an A/B
+    // switch: no one value tells what happened, so none is shown.
+    const double now = juce::Time::getMillisecondCounterHiRes();
+    const auto previous = source.lock();
+    const bool together = previous != nullptr && previous != control && now - lastShowMs < togetherMs;
+    lastShowMs = now;
+    if (together || (previous == nullptr && now - lastTogetherMs < togetherMs))
+    {
+        lastTogetherMs = now;
+        stop();
+        return;
+    }
     control->showTransientValue();
     source = control;
     setVisible (true);
@@ -28,6 +40,8 @@ TRQControl* TRQTransientValueView::getSource() const
 
 void TRQTransientValueView::stop()
 {
+    if (const auto control = source.lock())
+        control->endTransientValue();
     stopTimer();
     source.reset();
     setVisible (false);

@@ -30,4 +30,7 @@ private:
     void stop();
 
     std::weak_ptr<TRQControl> source;
+    double lastShowMs = 0.0, lastTogetherMs = 0.0;
+    // Changes closer than this came from one action.
+    static constexpr double togetherMs = 8.0;
 };

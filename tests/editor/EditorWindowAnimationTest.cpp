@@ -111,8 +111,9 @@ TEST_F (EditorWindowAnimation, HiddenControlShowsItsValueForAMoment)
     EXPECT_LE (reddishPixels (capture (editor), editor, panel), redBefore + 5);
 }
 
-// Switches show their state's own outline; the panel follows the latest control
-// and goes when the pane opens, and an open pane never shows it.
+// Switches show their state's own outline; the panel follows the latest control,
+// shows nothing for changes that come together, goes when the pane opens, and an
+// open pane never shows it.
 TEST_F (EditorWindowAnimation, SwitchesShowTheirStateAndAnOpenPaneEndsIt)
 {
     TRQAudioProcessor processor;
@@ -123,13 +124,20 @@ TEST_F (EditorWindowAnimation, SwitchesShowTheirStateAndAnOpenPaneEndsIt)
     auto& view = editor.getTransientValueView();
     pump (100);
 
+    // A preset or an undo moves several at once: no single value tells of it.
+    setFromHost (processor, attack, 0.7f);
+    setFromHost (processor, speed, 0.5f);
+    setFromHost (processor, stereoLink, 0.0f);
+    pump (150);
+    EXPECT_FALSE (view.isVisible());
+
     setFromHost (processor, speed, 1.0f);
     pump (150);
     ASSERT_TRUE (view.isVisible());
     EXPECT_EQ (view.getSource(), editor.getControl (speed));
     save (capture (editor), "editor-transient-switch-dark");
 
-    setFromHost (processor, stereoLink, 0.0f);
+    setFromHost (processor, stereoLink, 1.0f);
     pump (100);
     EXPECT_EQ (view.getSource(), editor.getControl (stereoLink));
 
