@@ -101,25 +101,8 @@ void TRQControl::setHover (bool over)
 
 void TRQControl::showTransientValue()
 {
-    const double now = nowMs();
-    transientShownMs = now;
-    if (!valueDisplayActive)
-        valueText.jumpTo (0.0f);
-    valueDisplayActive = true;
-    if (valueText.getTarget() != 1.0f)
-        valueText.setTarget (1.0f, transientFadeInMs * (1.0 - valueText.valueAt (now)), now);
+    valueText.show (nowMs());
     dirty = true;
-}
-
-void TRQControl::advanceTransientValue()
-{
-    if (!valueDisplayActive)
-        return;
-    const double now = nowMs();
-    if (valueText.getTarget() == 1.0f && now - transientShownMs >= transientFadeInMs + transientHoldMs)
-        valueText.setTarget (0.0f, transientFadeOutMs, now);
-    else if (valueText.getTarget() == 0.0f && !valueText.isMoving (now))
-        valueDisplayActive = false;
 }
 
 void TRQControl::paintValue (juce::Graphics& g, juce::Rectangle<float> area) const
@@ -151,7 +134,7 @@ void TRQControl::refresh (bool force)
         dirty = true;
     }
     updateHover();
-    advanceTransientValue();
+    valueText.advance (nowMs());
     // One more paint after an animation ends, so its last step is what stays.
     const bool animating = isAnimating();
     if (dirty || force || animating || wasAnimating)
@@ -496,7 +479,7 @@ void TRQControl::typedCharacter (juce::juce_wchar ch)
         {
             typedText += juce::String::charToString (ch);
             dirty = true;
-            valueDisplayActive = false;
+            valueText.end();
         }
     }
     else if (inputMode == 2 && ch >= '0' && ch <= '9')

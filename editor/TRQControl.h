@@ -4,6 +4,7 @@
 #include "editor/TRQComponent.h"
 #include "editor/TRQDrawing.h"
 #include "editor/TRQFocusRing.h"
+#include "editor/TRQTransientValue.h"
 #include "state/ParameterSpec.h"
 #include "state/TRQSignals.h"
 
@@ -68,16 +69,13 @@ public:
     // automation moves a control of the closed advanced pane. It fades in, holds
     // while changes keep coming, and fades out.
     void showTransientValue();
-    void endTransientValue() { valueDisplayActive = false; }
-    bool isShowingTransientValue() const { return valueDisplayActive; }
-    float transientValueAlpha() const { return valueDisplayActive ? valueText.valueAt (nowMs()) : 0.0f; }
+    void endTransientValue() { valueText.end(); }
+    bool isShowingTransientValue() const { return valueText.isActive(); }
+    float transientValueAlpha() const { return valueText.alpha (nowMs()); }
     // The current value as the control shows it, centred in area.
     virtual void paintValue (juce::Graphics& g, juce::Rectangle<float> area) const;
     const TRQDrawingList& getLabelList() const { return labelList; }
     int getStyle() const { return style; }
-    static constexpr double transientFadeInMs = 125.0;
-    static constexpr double transientHoldMs = 1500.0;
-    static constexpr double transientFadeOutMs = 250.0;
 
     // 0..1: how far the hover highlight has come in.
     float hoverAmount() const { return hoverAnimation.valueAt (nowMs()); }
@@ -150,19 +148,16 @@ protected:
     TRQDrawingList labelList;
     TRQAnimatedValue dimAnimation{250.0};
     TRQAnimatedValue hoverAnimation{125.0};
-    TRQAnimatedValue valueText{transientFadeInMs};
-    bool valueDisplayActive = false;
+    TRQTransientValue valueText;
     // Where the mouse was last seen over this control, from its own events.
     juce::Point<float> lastMousePosition;
     bool mouseInside = false;
-    double transientShownMs = 0.0;
     double lastWheelMs = 0.0;
     double downTimeMs = 0.0;
 
 private:
     void gestureBegin();
     void gestureEnd();
-    void advanceTransientValue();
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TRQControl)
 };
