@@ -133,8 +133,8 @@ TEST (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
     EXPECT_GT (strip.getFloatRed(), strip.getFloatGreen() + 0.2f);
 
     // The host switches the power off: the editor follows within a few ticks and
-    // dims the faders. (The plug-in's window is its own X window inside the host's,
-    // so clicks are driven in-process by the editor's own window tests.)
+    // dims the faders. (The way back, a click inside the plug-in's window, is the
+    // next test's.)
     const juce::Rectangle<int> compressThumb (95, 150, 50, 26);
     const int redBefore = redPixels (shot, compressThumb);
     EXPECT_GT (redBefore, 10);
