@@ -89,7 +89,9 @@ bool TRQControl::isOverHoverTarget (juce::Point<float>) const
 void TRQControl::updateHover()
 {
     // Also when the mouse stands still and the control moves under it.
-    setHover (mouseInside && isShowing() && isEnabled() && isOverHoverTarget (lastMousePosition));
+    // isShowing() would ask the window system on every tick; the mouse events
+    // already say whether the mouse is here.
+    setHover (mouseInside && isEnabled() && isOverHoverTarget (lastMousePosition));
 }
 
 void TRQControl::setHover (bool over)

@@ -47,11 +47,20 @@ void TRQTransientValueView::stop()
     setVisible (false);
 }
 
+bool TRQTransientValueView::isSeen (const juce::Component& component)
+{
+    // Visibility up the tree only: isShowing() would also ask the window system.
+    for (auto* c = &component; c != nullptr; c = c->getParentComponent())
+        if (!c->isVisible())
+            return false;
+    return true;
+}
+
 void TRQTransientValueView::timerCallback()
 {
     const auto control = source.lock();
     // Done, or the control can be seen again (its pane opened).
-    if (control == nullptr || !control->isShowingTransientValue() || control->isShowing())
+    if (control == nullptr || !control->isShowingTransientValue() || isSeen (*control))
     {
         stop();
         return;

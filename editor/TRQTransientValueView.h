@@ -28,6 +28,7 @@ public:
 private:
     void timerCallback() override;
     void stop();
+    static bool isSeen (const juce::Component& component);
 
     std::weak_ptr<TRQControl> source;
     double lastShowMs = 0.0, lastTogetherMs = 0.0;
