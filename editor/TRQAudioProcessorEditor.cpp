@@ -15,6 +15,7 @@
 #include "editor/TRQTaskButtons.h"
 #include "editor/TRQToggle.h"
 #include "editor/TRQToolbar.h"
+#include "editor/TRQTransientValueView.h"
 #include "editor/TRQValueLaw.h"
 #include "presets/TRQPresetController.h"
 #include "presets/TRQPresetURL.h"
@@ -25,6 +26,7 @@
 #include "state/TRQUndoManager.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 namespace
@@ -81,6 +83,8 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
 
     processor.dspAnnounced.connect (&TRQAudioProcessorEditor::publishMeterSource, this);
     createChildren();
+    transientValue = std::make_shared<TRQTransientValueView>();
+    root.addChild (transientValue, false);
 
     gl->darkMode.publish (prefs.darkMode);
     gl->metering.publish (prefs.metering);
@@ -541,6 +545,11 @@ void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool not
             controller->updateModified (
                 HVNChecked<std::uint32_t> ((std::uint32_t)index),
                 HVNChecked<float> (toNormalised (static_cast<ParameterId> (index), value)));
+
+    // A hidden control shows where its value went; the first value is no change.
+    if (changed && !std::isnan (previous) && !advancedPaneOpen && control != nullptr &&
+        control->getRow().pane == 2)
+        transientValue->show (controls[(size_t)index]);
 }
 
 void TRQAudioProcessorEditor::updateEnablement (int sourceIndex)

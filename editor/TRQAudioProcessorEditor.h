@@ -22,6 +22,7 @@
 class TRQAudioProcessor;
 class TRQControl;
 class TRQHUDControl;
+class TRQTransientValueView;
 class TRQParameterGestures;
 class TRQEditorGLState;
 class TRQPresetController;
@@ -91,6 +92,8 @@ public:
     TRQTaskButtons* getTaskButtons() const { return taskButtons.get(); }
     TRQPresetView* getPresetView() const { return presetView.get(); }
     TRQModalViewer& getModalViewer() { return modalViewer; }
+    TRQTransientValueView& getTransientValueView() const { return *transientValue; }
+    TRQEditorGLState& getGLState() const { return *gl; }
     TRQParameterGestures& getGestures() { return *gestures; }
     TRQEditorPreferences& getPreferences() { return prefs; }
     juce::Component& getRoot() { return root; }
@@ -152,6 +155,7 @@ private:
     int modalState = 0;
     TRQModalViewer::ModalSettings modalSettings;
     std::deque<std::pair<int, TRQModalViewer::ModalSettings>> modalHistory;
+    std::shared_ptr<TRQTransientValueView> transientValue;
     std::unique_ptr<TRQParameterGestures> gestures;
     std::vector<std::shared_ptr<TRQControl>> controls;
     std::array<float, 21> editorValues{};

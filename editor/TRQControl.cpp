@@ -77,7 +77,55 @@ void TRQControl::valueArrived (float) {}
 
 bool TRQControl::isAnimating() const
 {
-    return dimAnimation.isMoving (nowMs());
+    const double now = nowMs();
+    return dimAnimation.isMoving (now) || hoverAnimation.isMoving (now) || valueText.isMoving (now);
+}
+
+bool TRQControl::isOverHoverTarget (juce::Point<float>) const
+{
+    return true;
+}
+
+void TRQControl::updateHover()
+{
+    // Also when the mouse stands still and the control moves under it.
+    // isShowing() would ask the window system on every tick; the mouse events
+    // already say whether the mouse is here.
+    setHover (mouseInside && isEnabled() && isOverHoverTarget (lastMousePosition));
+}
+
+void TRQControl::setHover (bool over)
+{
+    const float target = over ? 1.0f : 0.0f;
+    if (hoverAnimation.getTarget() != target)
+        hoverAnimation.setTarget (target, over ? 125.0 : 250.0, nowMs());
+}
+
+void TRQControl::showTransientValue()
+{
+    valueText.show (nowMs());
+    dirty = true;
+}
+
+void TRQControl::paintValue (juce::Graphics& g, juce::Rectangle<float> area) const
+{
+    const auto number = valueNumberText();
+    const auto unit = valueUnitText();
+    const auto numFont = numberFont (area.getHeight() * 0.8f);
+    const auto unitFont = symbolFont (area.getHeight() * 0.7f);
+    const float numW = numFont.getStringWidthFloat (number);
+    const float unitW = unit.isEmpty() ? 0.0f : unitFont.getStringWidthFloat (unit) + 1.0f;
+    const float x0 = area.getCentreX() - (numW + unitW) * 0.5f;
+    g.setColour (disabled ? juce::Colours::grey : controlColour());
+    g.setFont (numFont);
+    g.drawText (number, juce::Rectangle<float> (x0, area.getY(), numW, area.getHeight()),
+                juce::Justification::centred, false);
+    if (unit.isNotEmpty())
+    {
+        g.setFont (unitFont);
+        g.drawText (unit, juce::Rectangle<float> (x0 + numW + 1.0f, area.getY(), unitW, area.getHeight()),
+                    juce::Justification::centredLeft, false);
+    }
 }
 
 void TRQControl::refresh (bool force)
@@ -87,6 +135,8 @@ void TRQControl::refresh (bool force)
         rebuildDrawing();
         dirty = true;
     }
+    updateHover();
+    valueText.advance (nowMs());
     // One more paint after an animation ends, so its last step is what stays.
     const bool animating = isAnimating();
     if (dirty || force || animating || wasAnimating)
@@ -293,16 +343,23 @@ void TRQControl::mouseUp (const juce::MouseEvent&)
 void TRQControl::mouseMove (const juce::MouseEvent& e)
 {
     tooltipWanted = isOverActiveArea (e.getPosition());
+    lastMousePosition = e.position;
+    setHover (isEnabled() && isOverHoverTarget (e.position));
 }
 
-void TRQControl::mouseEnter (const juce::MouseEvent&)
+void TRQControl::mouseEnter (const juce::MouseEvent& e)
 {
     tooltipWanted = true;
+    mouseInside = true;
+    lastMousePosition = e.position;
+    setHover (isEnabled() && isOverHoverTarget (e.position));
 }
 
 void TRQControl::mouseExit (const juce::MouseEvent&)
 {
     tooltipWanted = false;
+    mouseInside = false;
+    setHover (false);
 }
 
 void TRQControl::mouseWheelMove (const juce::MouseEvent& e, const juce::MouseWheelDetails& wheel)
@@ -424,6 +481,7 @@ void TRQControl::typedCharacter (juce::juce_wchar ch)
         {
             typedText += juce::String::charToString (ch);
             dirty = true;
+            valueText.end();
         }
     }
     else if (inputMode == 2 && ch >= '0' && ch <= '9')

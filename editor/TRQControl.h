@@ -4,6 +4,7 @@
 #include "editor/TRQComponent.h"
 #include "editor/TRQDrawing.h"
 #include "editor/TRQFocusRing.h"
+#include "editor/TRQTransientValue.h"
 #include "state/ParameterSpec.h"
 #include "state/TRQSignals.h"
 
@@ -64,6 +65,21 @@ public:
     // The control's ring in its own units, for the GL pass.
     virtual void updateFocusRing();
 
+    // Shows the value for a moment where the control itself can't be seen, as when
+    // automation moves a control of the closed advanced pane. It fades in, holds
+    // while changes keep coming, and fades out.
+    void showTransientValue();
+    void endTransientValue() { valueText.end(); }
+    bool isShowingTransientValue() const { return valueText.isActive(); }
+    float transientValueAlpha() const { return valueText.alpha (nowMs()); }
+    // The current value as the control shows it, centred in area.
+    virtual void paintValue (juce::Graphics& g, juce::Rectangle<float> area) const;
+    const TRQDrawingList& getLabelList() const { return labelList; }
+    int getStyle() const { return style; }
+
+    // 0..1: how far the hover highlight has come in.
+    float hoverAmount() const { return hoverAnimation.valueAt (nowMs()); }
+
     void paint (juce::Graphics& g) override;
     void mouseDown (const juce::MouseEvent& e) override;
     void mouseUp (const juce::MouseEvent& e) override;
@@ -97,6 +113,10 @@ protected:
     float dimAmount() const { return dimAnimation.valueAt (nowMs()); }
     virtual bool isAnimating() const;
     virtual void valueArrived (float normalised);
+    // Whether a mouse at this position lights the control up; all of it by default.
+    virtual bool isOverHoverTarget (juce::Point<float> position) const;
+    void updateHover();
+    void setHover (bool over);
 
     const int parameterIndex;
     TRQAudioParameter& parameter;
@@ -127,6 +147,11 @@ protected:
     juce::String typedText;
     TRQDrawingList labelList;
     TRQAnimatedValue dimAnimation{250.0};
+    TRQAnimatedValue hoverAnimation{125.0};
+    TRQTransientValue valueText;
+    // Where the mouse was last seen over this control, from its own events.
+    juce::Point<float> lastMousePosition;
+    bool mouseInside = false;
     double lastWheelMs = 0.0;
     double downTimeMs = 0.0;
 

@@ -18,4 +18,9 @@ struct TRQDrawingList
     void setColour (juce::Colour colour);
 
     bool isEmpty() const { return elements.empty(); }
+
+    // Where the elements' outlines lie, strokes left out.
+    juce::Rectangle<float> getBounds() const;
+    // Paints the list centred in area, scaled down to fit it but never up.
+    void paintFitted (juce::Graphics& g, juce::Rectangle<float> area) const;
 };

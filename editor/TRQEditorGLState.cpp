@@ -51,6 +51,9 @@ void TRQEditorGLState::contextClosing()
     sketch.reset();
     currentSource = {};
     background.release();
+    blurred.release();
+    reduced.release();
+    blurredCurrent = false;
     if (renderer != nullptr)
         renderer->release();
     renderer.reset();
@@ -94,13 +97,11 @@ void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
             background.loadImage (pendingBackground);
             backgroundWidth = pendingBackground.getWidth();
             backgroundHeight = pendingBackground.getHeight();
+            blurredCurrent = false;
         }
         backgroundPending = false;
     }
-    glEnable (GL_BLEND);
-    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    if (backgroundWidth > 0)
-        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+    drawBackground (viewport);
 
     renderer->beginFrame (canvasScale.load(), viewport.getWidth(), viewport.getHeight(), scale);
     const double now = start / 1000.0;
@@ -127,6 +128,68 @@ void TRQEditorGLState::render (juce::Rectangle<int> viewport, float scale)
         std::fprintf (stderr, "first frame %.1f ms after the editor was made\n",
                       juce::Time::getMillisecondCounterHiRes() - createdMs);
     lastFrameMs.store (juce::Time::getMillisecondCounterHiRes() - start);
+}
+
+void TRQEditorGLState::drawBackground (juce::Rectangle<int> viewport)
+{
+    glEnable (GL_BLEND);
+    glBlendFunc (GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    if (backgroundWidth <= 0)
+        return;
+    if (!modalShowing.load())
+    {
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        return;
+    }
+    // 225 taps a pixel is too dear for every frame: blur once into a buffer and
+    // lay that over the sharp image from then on.
+    if (!blurredCurrent && !blurBackground())
+    {
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        return;
+    }
+    glViewport (0, 0, viewport.getWidth(), viewport.getHeight());
+    renderer->drawMix (background.getTextureID(), blurred.getTextureID());
+}
+
+bool TRQEditorGLState::blurBackground()
+{
+    // The blur works on canvas units, not device pixels: it looks the same at every
+    // size, and a large window costs no more than one at 100 %.
+    const float pixelsPerUnit = std::max (1.0f, canvasScale.load() * renderScale.load());
+    const int width = std::max (1, juce::roundToInt ((float)backgroundWidth / pixelsPerUnit));
+    const int height = std::max (1, juce::roundToInt ((float)backgroundHeight / pixelsPerUnit));
+    const bool reduce = width < backgroundWidth || height < backgroundHeight;
+    auto fits = [&] (juce::OpenGLFrameBuffer& buffer)
+    {
+        return (buffer.getWidth() == width && buffer.getHeight() == height) ||
+               buffer.initialise (context, width, height);
+    };
+    if (!fits (blurred) || (reduce && !fits (reduced)))
+        return false;
+
+    const double start = juce::Time::getMillisecondCounterHiRes();
+    GLint previousFrameBuffer = 0;
+    glGetIntegerv (GL_FRAMEBUFFER_BINDING, &previousFrameBuffer);
+    glDisable (GL_BLEND);
+    glViewport (0, 0, width, height);
+    GLuint source = background.getTextureID();
+    if (reduce)
+    {
+        glBindFramebuffer (GL_FRAMEBUFFER, reduced.getFrameBufferID());
+        renderer->drawTexture (background, backgroundWidth, backgroundHeight);
+        source = reduced.getTextureID();
+    }
+    glBindFramebuffer (GL_FRAMEBUFFER, blurred.getFrameBufferID());
+    renderer->drawBlurred (source);
+    // Once per background: wait for it, so that its cost is known.
+    glFinish();
+    glBindFramebuffer (GL_FRAMEBUFFER, (GLuint)previousFrameBuffer);
+    glEnable (GL_BLEND);
+    lastBlurMs.store (juce::Time::getMillisecondCounterHiRes() - start);
+    blurPasses.fetch_add (1);
+    blurredCurrent = true;
+    return true;
 }
 
 void TRQEditorGLState::renderMeters (double now)

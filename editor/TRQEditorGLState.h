@@ -70,12 +70,17 @@ public:
     Published<int> focusParameter;
     TRQFocusRing ring; // in canvas units of the root
     std::atomic<int> frames{0};
+    // Times the background was blurred, which a modal shown for a while does once.
+    std::atomic<int> blurPasses{0};
+    std::atomic<double> lastBlurMs{0.0};
     std::atomic<double> lastFrameMs{0.0};
 
 private:
     bool checkContext();
     void renderMeters (double nowSeconds);
     void renderFocusRing();
+    void drawBackground (juce::Rectangle<int> viewport);
+    bool blurBackground();
 
     juce::OpenGLContext& context;
     const double createdMs;
@@ -91,6 +96,9 @@ private:
     MeterSource currentSource;
     juce::OpenGLTexture background;
     int backgroundWidth = 0, backgroundHeight = 0;
+    // The background blurred behind a modal, made once per background and size.
+    juce::OpenGLFrameBuffer blurred, reduced;
+    bool blurredCurrent = false;
     int darkModeNow = 0, meteringNow = 1, focusNow = -1;
     bool advancedNow = false;
     double lastFrameTime = 0.0;

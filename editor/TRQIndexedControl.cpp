@@ -105,3 +105,10 @@ void TRQIndexedControl::stepDown (juce::ModifierKeys mods, bool gesture)
     flash.setTarget (0.0f, 125.0, nowMs());
     updateFocusRing();
 }
+
+void TRQIndexedControl::paintValue (juce::Graphics& g, juce::Rectangle<float> area) const
+{
+    const int v = valueIndex();
+    if (v >= 0 && v < (int)stateLists.size())
+        stateLists[(size_t)v].paintFitted (g, area);
+}

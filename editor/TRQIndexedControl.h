@@ -10,6 +10,7 @@ public:
     TRQIndexedControl (int parameterIndex, TRQAudioParameter& parameter, TRQParameterGestures& gestures);
 
     void drawControl (juce::Graphics& g) override;
+    void paintValue (juce::Graphics& g, juce::Rectangle<float> area) const override;
     void rebuildDrawing() override;
     void updateFocusRing() override;
     void mouseDown (const juce::MouseEvent& e) override;

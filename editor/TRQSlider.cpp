@@ -93,13 +93,29 @@ float TRQSlider::axisPosition (juce::Point<float> p) const
 
 bool TRQSlider::isAnimating() const
 {
-    return TRQControl::isAnimating() || thumbAnimation.isMoving (nowMs());
+    const double now = nowMs();
+    return TRQControl::isAnimating() || thumbAnimation.isMoving (now) || pressAnimation.isMoving (now);
 }
 
 void TRQSlider::valueArrived (float n)
 {
     thumbAnimation.setTarget (n, isDown ? 50.0 : 100.0, nowMs());
-    positionChanged.emit (n);
+}
+
+bool TRQSlider::isOverHoverTarget (juce::Point<float> position) const
+{
+    return thumbBounds().expanded (2.0f).contains (position);
+}
+
+void TRQSlider::refresh (bool force)
+{
+    TRQControl::refresh (force);
+    const float position = thumbAnimation.valueAt (nowMs());
+    if (position != lastEmittedPosition)
+    {
+        lastEmittedPosition = position;
+        positionChanged.emit (position);
+    }
 }
 
 void TRQSlider::updateFocusRing()
@@ -129,6 +145,9 @@ void TRQSlider::mouseDown (const juce::MouseEvent& e)
         dragStartValue = parameter.getValue();
     }
     lastPos = pos;
+    lastMousePosition = pos;
+    pressAnimation.setTarget (1.0f, 125.0, nowMs());
+    dirty = true;
 }
 
 void TRQSlider::mouseDrag (const juce::MouseEvent& e)
@@ -137,6 +156,7 @@ void TRQSlider::mouseDrag (const juce::MouseEvent& e)
         return;
     isDragging = true;
     const auto pos = e.position;
+    lastMousePosition = pos;
     const auto delta = pos - lastPos;
     if (!TRQValueLaw::modifiersAre (e.mods, juce::ModifierKeys::ctrlModifier))
     {
@@ -168,6 +188,8 @@ void TRQSlider::mouseDrag (const juce::MouseEvent& e)
 void TRQSlider::mouseUp (const juce::MouseEvent& e)
 {
     TRQControl::mouseUp (e);
+    if (pressAnimation.getTarget() != 0.0f)
+        pressAnimation.setTarget (0.0f, 250.0, nowMs());
 }
 
 void TRQSlider::drawControl (juce::Graphics& g)
@@ -187,9 +209,27 @@ void TRQSlider::drawControl (juce::Graphics& g)
                                3.0f);
         juce::DropShadow (juce::Colours::black.withAlpha (0.35f), 6, {0, 1}).drawForPath (sg, p);
     }
-    g.drawImageAt (shadowCache, (int)std::round (thumb.getX()) - 8, (int)std::round (thumb.getY()) - 8);
-    g.setColour (style == 1 ? juce::Colour (0xfff4f4f4) : juce::Colours::white);
+    // Hover deepens the shadow and rings the thumb in the control's colour; a press
+    // lifts it a little further off the track.
+    const float hover = hoverAmount();
+    const float press = pressAmount();
+    const int shadowX = (int)std::round (thumb.getX()) - 8;
+    const int shadowY = (int)std::round (thumb.getY()) - 8;
+    g.drawImageAt (shadowCache, shadowX, shadowY);
+    if (const float deeper = 0.6f * std::max (hover, press); deeper > 0.0f)
+    {
+        juce::Graphics::ScopedSaveState shadowState (g);
+        g.setOpacity (deeper);
+        g.drawImageAt (shadowCache, shadowX, shadowY + (int)std::round (press * 2.0f));
+    }
+    const auto face = style == 1 ? juce::Colour (0xfff4f4f4) : juce::Colours::white;
+    g.setColour (face.interpolatedWith (colour, 0.06f * press));
     g.fillRoundedRectangle (thumb, 3.0f);
+    if (hover > 0.0f && !disabled)
+    {
+        g.setColour (colour.withAlpha (0.55f * hover));
+        g.drawRoundedRectangle (thumb.reduced (0.5f), 3.0f, 1.0f + 0.5f * press);
+    }
 
     const auto number = valueNumberText();
     const auto unit = valueUnitText();

@@ -16,13 +16,18 @@ public:
     void mouseDown (const juce::MouseEvent& e) override;
     void mouseDrag (const juce::MouseEvent& e) override;
     void mouseUp (const juce::MouseEvent& e) override;
+    void refresh (bool force) override;
 
     // Where the thumb is drawn now, in the control's units.
     juce::Rectangle<float> thumbBounds() const;
     // The thumb's centre for a normalised value.
     juce::Point<float> thumbCentreFor (float normalised) const;
 
-    // Fired with each new thumb position (range pairs follow it).
+    // 0..1: how far the thumb has been lifted by a press.
+    float pressAmount() const { return pressAnimation.valueAt (nowMs()); }
+
+    // Fired with each new thumb position on its way, not only the target (range
+    // pairs follow it).
     TRQSignals::Signal<void (float)> positionChanged;
 
     static constexpr float thumbThickness = 20.0f;
@@ -30,6 +35,7 @@ public:
 protected:
     bool isAnimating() const override;
     void valueArrived (float normalised) override;
+    bool isOverHoverTarget (juce::Point<float> position) const override;
 
 private:
     float trackLength() const;
@@ -39,6 +45,8 @@ private:
     const int sliderMode;
     TRQDrawingList trackList;
     TRQAnimatedValue thumbAnimation{100.0};
+    TRQAnimatedValue pressAnimation{125.0};
+    float lastEmittedPosition = -1.0f;
     float dragStartValue = 0.0f;
     juce::Point<float> lastPos;
     juce::Image shadowCache;

@@ -70,3 +70,10 @@ void TRQToggle::mouseDown (const juce::MouseEvent& e)
             return;
         }
 }
+
+void TRQToggle::paintValue (juce::Graphics& g, juce::Rectangle<float> area) const
+{
+    const int v = (int)std::lround (parameter.getRealValue() - row.min);
+    if (v >= 0 && v < (int)optionLists.size())
+        optionLists[(size_t)v].paintFitted (g, area);
+}

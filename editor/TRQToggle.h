@@ -9,6 +9,7 @@ public:
     TRQToggle (int parameterIndex, TRQAudioParameter& parameter, TRQParameterGestures& gestures);
 
     void drawControl (juce::Graphics& g) override;
+    void paintValue (juce::Graphics& g, juce::Rectangle<float> area) const override;
     void rebuildDrawing() override;
     void mouseDown (const juce::MouseEvent& e) override;
 

@@ -216,4 +216,42 @@ std::string textureFragment()
     return std::string (header) + "uniform sampler2D imageTexture;\nin vec2 uv;\nout vec4 fragColor;\n"
                                   "void main() { fragColor = texture(imageTexture, vec2(uv.x, uv.y)); }\n";
 }
+
+std::string blurFragment()
+{
+    return std::string (header) +
+           "uniform sampler2D imageTexture;\nin vec2 uv;\nout vec4 fragColor;\n"
+           "float normpdf(in float x, in float sigma)\n"
+           "{\n    return 0.39894 * exp(-0.5 * x * x / (sigma * sigma)) / sigma;\n}\n"
+           "void main()\n{\n"
+           "    const int mSize = 15;\n"
+           "    const int kSize = (mSize - 1) / 2;\n"
+           "    const float sigma = 15.0;\n"
+           "    float kernel[mSize];\n"
+           "    float Z = 0.0;\n"
+           "    for (int j = 0; j <= kSize; ++j)\n"
+           "        kernel[kSize + j] = kernel[kSize - j] = normpdf(float(j), sigma);\n"
+           "    for (int j = 0; j < mSize; ++j)\n"
+           "        Z += kernel[j];\n"
+           "    vec2 texel = 1.0 / vec2(textureSize(imageTexture, 0));\n"
+           "    vec4 sum = vec4(0.0);\n"
+           "    for (int i = -kSize; i <= kSize; ++i)\n"
+           "        for (int j = -kSize; j <= kSize; ++j)\n"
+           "            sum += kernel[kSize + j] * kernel[kSize + i]\n"
+           "                   * texture(imageTexture, uv + vec2(float(i), float(j)) * texel);\n"
+           "    fragColor = sum / (Z * Z);\n"
+           "}\n";
+}
+
+std::string mixFragment()
+{
+    return std::string (header) +
+           "uniform sampler2D imageTexture0;\nuniform sampler2D imageTexture1;\nin vec2 uv;\n"
+           "out vec4 fragColor;\n"
+           "void main()\n{\n"
+           "    vec4 t0 = texture(imageTexture0, uv);\n"
+           "    vec4 t1 = texture(imageTexture1, uv);\n"
+           "    fragColor = mix(t0, t1, t1.a);\n"
+           "}\n";
+}
 } // namespace TRQShaderSources

@@ -41,4 +41,8 @@ std::string shapeFragment (int shape, int style, int colourMode);
 // Full-viewport textured quad for the cached background.
 std::string textureVertex();
 std::string textureFragment();
+// The cached background's two further passes: a 15 x 15 Gaussian blur of
+// imageTexture, and imageTexture1 laid over imageTexture0 by its own alpha.
+std::string blurFragment();
+std::string mixFragment();
 } // namespace TRQShaderSources

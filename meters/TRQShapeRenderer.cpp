@@ -16,7 +16,7 @@ void TRQShapeRenderer::release()
 {
     primitives.clear();
     shapes.clear();
-    textureProgram.reset();
+    textures.clear();
     if (vertexBuffer != 0)
         glDeleteBuffers (1, &vertexBuffer);
     vertexBuffer = 0;
@@ -219,32 +219,46 @@ void TRQShapeRenderer::triangleStrip (const std::vector<juce::Point<float>>& poi
     drawPrimitive (scratch.data(), (int)points.size(), GL_TRIANGLE_STRIP, TRQShaderSources::uniformColour);
 }
 
-void TRQShapeRenderer::drawTexture (juce::OpenGLTexture& texture, int imageWidth, int imageHeight)
+void TRQShapeRenderer::drawTexture (juce::OpenGLTexture& texture, int, int)
 {
-    if (textureProgram == nullptr)
+    drawTextured (TRQTextureShaderProgram::plain, {{"imageTexture", texture.getTextureID()}});
+}
+
+void TRQShapeRenderer::drawBlurred (GLuint textureId)
+{
+    drawTextured (TRQTextureShaderProgram::blur, {{"imageTexture", textureId}});
+}
+
+void TRQShapeRenderer::drawMix (GLuint baseId, GLuint overlayId)
+{
+    drawTextured (TRQTextureShaderProgram::mix, {{"imageTexture0", baseId}, {"imageTexture1", overlayId}});
+}
+
+void TRQShapeRenderer::drawTextured (int kind, std::initializer_list<std::pair<const char*, GLuint>> samplers)
+{
+    auto* program = textures.get (context, kind);
+    if (program == nullptr)
     {
-        textureProgram = std::make_unique<juce::OpenGLShaderProgram> (context);
-        if (!(textureProgram->addVertexShader (TRQShaderSources::textureVertex()) &&
-              textureProgram->addFragmentShader (TRQShaderSources::textureFragment()) &&
-              textureProgram->link()))
-        {
-            failed = true;
-            return;
-        }
-    }
-    if (failed)
+        failed = true;
         return;
-    textureProgram->use();
-    glActiveTexture (GL_TEXTURE0);
-    texture.bind();
-    if (auto loc = glGetUniformLocation (textureProgram->getProgramID(), "imageTexture"); loc >= 0)
-        glUniform1i (loc, 0);
-    (void)imageWidth;
-    (void)imageHeight;
+    }
+    if (vertexBuffer == 0)
+        glGenBuffers (1, &vertexBuffer);
+    auto& shader = program->program();
+    shader.use();
+    GLenum unit = 0;
+    for (const auto& [name, id] : samplers)
+    {
+        glActiveTexture (GL_TEXTURE0 + unit);
+        glBindTexture (GL_TEXTURE_2D, id);
+        if (auto loc = glGetUniformLocation (shader.getProgramID(), name); loc >= 0)
+            glUniform1i (loc, (GLint)unit);
+        ++unit;
+    }
     const float quad[8] = {-1.0f, -1.0f, 1.0f, -1.0f, -1.0f, 1.0f, 1.0f, 1.0f};
     glBindBuffer (GL_ARRAY_BUFFER, vertexBuffer);
     glBufferData (GL_ARRAY_BUFFER, sizeof (quad), quad, GL_STREAM_DRAW);
-    const GLint loc = glGetAttribLocation (textureProgram->getProgramID(), "position");
+    const GLint loc = glGetAttribLocation (shader.getProgramID(), "position");
     if (loc >= 0)
     {
         glEnableVertexAttribArray ((GLuint)loc);
@@ -253,5 +267,10 @@ void TRQShapeRenderer::drawTexture (juce::OpenGLTexture& texture, int imageWidth
         glDisableVertexAttribArray ((GLuint)loc);
     }
     glBindBuffer (GL_ARRAY_BUFFER, 0);
-    texture.unbind();
+    while (unit > 0)
+    {
+        --unit;
+        glActiveTexture (GL_TEXTURE0 + unit);
+        glBindTexture (GL_TEXTURE_2D, 0);
+    }
 }

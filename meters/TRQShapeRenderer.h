@@ -3,6 +3,7 @@
 #include "meters/TRQPrimitiveShaderProgram.h"
 #include "meters/TRQShaderBuilder.h"
 #include "meters/TRQShapeShaderProgram.h"
+#include "meters/TRQTextureShaderProgram.h"
 
 #include <juce_opengl/juce_opengl.h>
 
@@ -44,23 +45,29 @@ public:
 
     // The cached background: a texture the size of the viewport.
     void drawTexture (juce::OpenGLTexture& texture, int imageWidth, int imageHeight);
+    // The same, through the 15 x 15 Gaussian blur.
+    void drawBlurred (GLuint textureId);
+    // overlayId over baseId by the overlay's own alpha: mix (t0, t1, t1.a).
+    void drawMix (GLuint baseId, GLuint overlayId);
 
     // Whether any program failed to build or any draw saw a GL error.
     bool hasFailed() const { return failed; }
     void release();
 
-    size_t programCount() const { return primitives.size() + shapes.size(); }
+    size_t programCount() const { return primitives.size() + shapes.size() + textures.size(); }
 
 private:
     juce::Point<float> toPoints (juce::Point<float> local) const;
     void bindCommon (juce::OpenGLShaderProgram& program);
+    // One quad over the whole viewport with the textures bound to units 0, 1, ...
+    void drawTextured (int kind, std::initializer_list<std::pair<const char*, GLuint>> samplers);
     void uploadAndDraw (juce::OpenGLShaderProgram& program, const float* vertices, int count, int stride,
                         GLenum primitive, const std::vector<std::pair<const char*, int>>& attributes);
 
     juce::OpenGLContext& context;
     TRQShaderBuilder<TRQPrimitiveShaderProgram> primitives;
     TRQShaderBuilder<TRQShapeShaderProgram> shapes;
-    std::unique_ptr<juce::OpenGLShaderProgram> textureProgram;
+    TRQShaderBuilder<TRQTextureShaderProgram> textures;
     GLuint vertexBuffer = 0;
     float canvasScale = 1.0f, renderScale = 1.0f;
     float viewportWidthPoints = 1.0f, viewportHeightPoints = 1.0f;

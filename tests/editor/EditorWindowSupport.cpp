@@ -141,6 +141,11 @@ void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce
     sendAt (editor, position, mods);
 }
 
+void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    send (editor, canvas, {});
+}
+
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY, juce::ModifierKeys mods)
 {
     auto* peer = peerOf (editor);

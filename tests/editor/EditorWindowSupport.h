@@ -46,6 +46,7 @@ void rightClick (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juc
 // One mouse event at a position in the editor's own coordinates, outside the canvas
 // transform (popup menus live there).
 void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods = {});
+void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas);
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
 // A key to whatever has focus; with a target, that target is given the focus first

@@ -24,6 +24,7 @@ void click (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juce::Mo
 void click (TRQAudioProcessorEditor& editor, juce::Component& component);
 // Types into a text field key by key, through the window, over what it held unless
 // told to add.
-void type (TRQAudioProcessorEditor& editor, juce::TextEditor& field, const juce::String& text, bool replace = true);
+void type (TRQAudioProcessorEditor& editor, juce::TextEditor& field, const juce::String& text,
+           bool replace = true);
 void press (TRQAudioProcessorEditor& editor, int keyCode, juce::Component* target);
 } // namespace PresetWindowSupport

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+
+#include <atomic>
 #include <cstdlib>
 #include <iostream>
 
@@ -44,6 +48,52 @@ float brightness (juce::Colour c)
 {
     return (c.getFloatRed() + c.getFloatGreen() + c.getFloatBlue()) / 3.0f;
 }
+
+// What the host hears from one parameter.
+class ParameterWatcher : public juce::AudioProcessorParameter::Listener
+{
+public:
+    void parameterValueChanged (int, float) override { ++changes; }
+    void parameterGestureChanged (int, bool starting) override { ++(starting ? begins : ends); }
+    std::atomic<int> changes{0}, begins{0}, ends{0};
+};
+
+// The X server's own pointer, moved and pressed through the XTEST extension: the
+// events reach whatever window lies under it, exactly as a user's mouse would.
+class XTestMouse
+{
+public:
+    XTestMouse()
+        : display (XOpenDisplay (nullptr))
+    {
+        int event = 0, error = 0, major = 0, minor = 0;
+        usable = display != nullptr && XTestQueryExtension (display, &event, &error, &major, &minor);
+    }
+    ~XTestMouse()
+    {
+        if (display != nullptr)
+            XCloseDisplay (display);
+    }
+
+    bool isUsable() const { return usable; }
+
+    void moveTo (juce::Point<int> screen, int settleMs = 40)
+    {
+        XTestFakeMotionEvent (display, -1, screen.x, screen.y, CurrentTime);
+        XFlush (display);
+        pump (settleMs);
+    }
+    void button (bool down, int settleMs = 80)
+    {
+        XTestFakeButtonEvent (display, 1, down ? True : False, CurrentTime);
+        XFlush (display);
+        pump (settleMs);
+    }
+
+private:
+    Display* display;
+    bool usable = false;
+};
 } // namespace
 
 // The VST3 opened by a JUCE host in a real window: the panel is painted, and a
@@ -83,8 +133,8 @@ TEST (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
     EXPECT_GT (strip.getFloatRed(), strip.getFloatGreen() + 0.2f);
 
     // The host switches the power off: the editor follows within a few ticks and
-    // dims the faders. (The plug-in's window is its own X window inside the host's,
-    // so clicks are driven in-process by the editor's own window tests.)
+    // dims the faders. (The way back, a click inside the plug-in's window, is the
+    // next test's.)
     const juce::Rectangle<int> compressThumb (95, 150, 50, 26);
     const int redBefore = redPixels (shot, compressThumb);
     EXPECT_GT (redBefore, 10);
@@ -93,6 +143,76 @@ TEST (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
     pump (600);
     const auto dimmed = capture (*editor);
     EXPECT_LT (redPixels (dimmed, compressThumb), redBefore / 2);
+    instance->editorBeingDeleted (editor.get());
+    editor.reset();
+    pump (50);
+}
+
+// A real mouse drag inside the hosted VST3's own window: the X server delivers it to
+// the plug-in's window, the plug-in's fader moves, and the host hears the gesture
+// and the new value.
+TEST (HostedEditor, Vst3EditorTakesARealMouseDrag)
+{
+    if (std::getenv ("DISPLAY") == nullptr)
+        GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
+    XTestMouse mouse;
+    ASSERT_TRUE (mouse.isUsable()) << "the X server has no XTEST extension";
+    auto instance = HostedPlugin::load (HostedPlugin::Format::vst3);
+    ASSERT_NE (instance, nullptr);
+    auto* compression = HostedPlugin::parameterNamed (*instance, "Compression Amount");
+    ASSERT_NE (compression, nullptr);
+    compression->setValueNotifyingHost (0.5f);
+    ParameterWatcher watcher;
+    compression->addListener (&watcher);
+
+    std::unique_ptr<juce::AudioProcessorEditor> editor (instance->createEditorIfNeeded());
+    ASSERT_NE (editor, nullptr);
+    editor->setTopLeftPosition (60, 50);
+    editor->addToDesktop (0);
+    editor->setVisible (true);
+    editor->toFront (true);
+    pump (1500);
+    ASSERT_GE (editor->getWidth(), 457);
+
+    // The Compress fader's thumb at 50 %, in the window at 100 %: a drag of 60
+    // pixels down takes 60 of its 218 units of track.
+    const auto thumb = editor->getScreenPosition() + juce::Point<int> (120, 163);
+    watcher.changes = 0;
+    mouse.moveTo (thumb + juce::Point<int> (0, -30));
+    mouse.moveTo (thumb);
+    mouse.button (true);
+    for (int dy = 10; dy <= 60; dy += 10)
+        mouse.moveTo (thumb + juce::Point<int> (0, dy));
+    mouse.button (false, 400);
+
+    EXPECT_GE (watcher.begins.load(), 1);
+    EXPECT_EQ (watcher.begins.load(), watcher.ends.load());
+    EXPECT_GE (watcher.changes.load(), 2) << "the value moved along with the drag";
+    EXPECT_NEAR (compression->getValue(), 0.5f - 60.0f / 218.0f, 0.03f);
+
+    // The fader shows where it went: the red value text has left its old place.
+    const auto shot = capture (*editor);
+    if (const char* dir = std::getenv ("ZOLK_SCREENSHOT_DIR"))
+    {
+        juce::FileOutputStream out (juce::File (dir).getChildFile ("hosted-vst3-dragged.png"));
+        out.setPosition (0);
+        out.truncate();
+        juce::PNGImageFormat().writeImageToStream (shot, out);
+    }
+    EXPECT_LT (redPixels (shot, {95, 150, 50, 26}), 10);
+    EXPECT_GT (redPixels (shot, {95, 210, 50, 26}), 10);
+
+    // A click on the power switch in the centre strip turns it off.
+    auto* power = HostedPlugin::parameterNamed (*instance, "Master On/Off");
+    ASSERT_NE (power, nullptr);
+    ASSERT_GT (power->getValue(), 0.5f);
+    mouse.moveTo (editor->getScreenPosition() + juce::Point<int> (426, 212));
+    mouse.button (true);
+    mouse.button (false, 300);
+    EXPECT_LT (power->getValue(), 0.5f);
+
+    mouse.moveTo ({0, 0});
+    compression->removeListener (&watcher);
     instance->editorBeingDeleted (editor.get());
     editor.reset();
     pump (50);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 
@@ -42,6 +43,7 @@ public:
 
     // Red channel at (x, y), y counted from the top as on screen.
     int redAt (int x, int y) const { return pixels[(size_t)(((99 - y) * 200 + x) * 4)]; }
+    int greenAt (int x, int y) const { return pixels[(size_t)(((99 - y) * 200 + x) * 4 + 1)]; }
 
     bool scissorWasOnAfter = true;
     GLint scissorBoxAfter[4] = {};
@@ -144,4 +146,86 @@ TEST (TRQShapeRenderer, RegionsClipAndOutsideDrawsNothing)
     // The line is as wide as its stroke.
     EXPECT_GT (probe.redAt (150, 80), 240);
     EXPECT_LT (probe.redAt (150, 84), 10);
+}
+
+namespace
+{
+// One tap of the background blur's kernel, before normalisation.
+double kernelTap (int x)
+{
+    const double sigma = 15.0;
+    return 0.39894 * std::exp (-0.5 * x * x / (sigma * sigma)) / sigma;
+}
+
+juce::Image halfWhite()
+{
+    juce::Image image (juce::Image::ARGB, 200, 100, true);
+    juce::Graphics g (image);
+    g.fillAll (juce::Colours::black);
+    g.setColour (juce::Colours::white);
+    g.fillRect (0, 0, 100, 100);
+    return image;
+}
+} // namespace
+
+TEST (TRQShapeRenderer, BlurSpreadsAnEdgeOverSevenPixelsEachSide)
+{
+    if (!glAvailable())
+        GTEST_SKIP() << "needs a display with OpenGL 3.2";
+    ShapeProbe probe (
+        [] (TRQShapeRenderer& r)
+        {
+            juce::OpenGLTexture texture;
+            texture.loadImage (halfWhite());
+            glDisable (GL_BLEND);
+            r.drawBlurred (texture.getTextureID());
+        });
+    ASSERT_TRUE (probe.waitForFrame());
+    EXPECT_FALSE (probe.failed);
+    double sum = 0.0;
+    for (int i = -7; i <= 7; ++i)
+        sum += kernelTap (i);
+    // Column 100 + d sees white through the taps 7 .. d + 1 to its left.
+    for (int d = -9; d <= 9; ++d)
+    {
+        double white = 0.0;
+        for (int i = -7; i <= 7; ++i)
+            white += (100 + d + i < 100) ? kernelTap (i) : 0.0;
+        const double expected = 255.0 * white / sum;
+        EXPECT_NEAR (probe.redAt (100 + d, 50), expected, 2.5) << "column " << 100 + d;
+    }
+    // Normalised by the square of the kernel sum: flat areas keep their level, the
+    // image's own edges included.
+    EXPECT_GE (probe.redAt (10, 50), 254);
+    EXPECT_GE (probe.redAt (0, 0), 254);
+    EXPECT_LE (probe.redAt (190, 50), 1);
+    EXPECT_GE (probe.redAt (50, 2), 254);
+}
+
+TEST (TRQShapeRenderer, MixLaysTheSecondTextureOverByItsAlpha)
+{
+    if (!glAvailable())
+        GTEST_SKIP() << "needs a display with OpenGL 3.2";
+    ShapeProbe probe (
+        [] (TRQShapeRenderer& r)
+        {
+            juce::Image base (juce::Image::ARGB, 200, 100, true);
+            base.clear (base.getBounds(), juce::Colours::red);
+            // JUCE keeps images premultiplied: a quarter-opaque green is (0, 64, 0, 64).
+            juce::Image overlay (juce::Image::ARGB, 200, 100, true);
+            overlay.clear ({0, 0, 100, 100}, juce::Colour (0x4000ff00));
+            juce::OpenGLTexture t0, t1;
+            t0.loadImage (base);
+            t1.loadImage (overlay);
+            glDisable (GL_BLEND);
+            r.drawMix (t0.getTextureID(), t1.getTextureID());
+        });
+    ASSERT_TRUE (probe.waitForFrame());
+    EXPECT_FALSE (probe.failed);
+    // mix (t0, t1, t1.a) with t1.a = 0.25.
+    EXPECT_NEAR (probe.redAt (50, 50), 191, 3);
+    EXPECT_NEAR (probe.greenAt (50, 50), 16, 3);
+    // Where the overlay is transparent the base shows unchanged.
+    EXPECT_GE (probe.redAt (150, 50), 254);
+    EXPECT_LE (probe.greenAt (150, 50), 1);
 }
