@@ -1,9 +1,9 @@
 // Cost of the signal chain per stereo frame: at the factory defaults, with every
 // continuous parameter moving each block, and the compressor's per-sample loop
 // on its own, linked and unlinked.
+#include "bench/ChainBenchSupport.h"
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
-#include "state/ParameterBounds.h"
 
 #include <benchmark/benchmark.h>
 
@@ -13,26 +13,7 @@ namespace
 {
 using namespace HVNParameterIndex;
 
-void setDefaults (HVNAbstractDSP& dsp)
-{
-    for (uint32_t p = 0; p < count; ++p)
-        dsp.parameters[p].value = ParameterBounds::of (static_cast<ParameterId> (p)).defaultValue;
-}
-
-void fill (HVNAudioBuffer<float>& buffer)
-{
-    for (uint32_t c = 0; c < buffer.channels(); ++c)
-        for (uint32_t i = 0; i < buffer.frames(); ++i)
-            buffer.channel (c)[i] = 0.25f * std::sin (0.01f * static_cast<float> (i + 7 * c));
-}
-
-void perFrame (benchmark::State& state, uint32_t block)
-{
-    state.SetItemsProcessed (state.iterations() * block);
-    state.counters["ns_per_frame"] =
-        benchmark::Counter (static_cast<double> (state.iterations() * block),
-                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
+using namespace ChainBenchSupport;
 
 void chain (benchmark::State& state, bool moving)
 {
