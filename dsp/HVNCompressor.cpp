@@ -2,6 +2,7 @@
 
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/generated/HVNCompressorTables.h"
+#include "toolkit/HVNFastExp.h"
 #include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNVec.h"
 #include "toolkit/vHVN.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -35,7 +37,7 @@ inline double poleExp (double x)
         return (1.0 + x) + x2 * (0.5 + x * (1.0 / 6.0)) +
                x4 * ((1.0 / 24.0 + x * (1.0 / 120.0)) + x2 * (1.0 / 720.0));
     }
-    return std::exp (x);
+    return HVNFastExp::exp (x);
 }
 
 void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
@@ -84,6 +86,7 @@ HVNCompressor::HVNCompressor (HVNAbstractDSP& o, HVNEasingFloat<double>& mix, HV
     , thresholdBlock (blockSize)
     , makeupBlock (blockSize)
     , blockScratch (blockSize)
+    , logScales (2, blockSize)
     , channelGainReduction (numChannels, 0.0f)
     , peak (lookAhead + blockSize)
     , tiltFilter (numChannels, blockSize, o.sampleRate, true)
@@ -231,12 +234,102 @@ void HVNCompressor::rebuildTimeRows (double a)
     }
 }
 
+void HVNCompressor::prepareBlock (uint32_t n)
+{
+    const double* amount = amountEase.getBuffer();
+    // While the amount moves only the entries a sample reads are interpolated;
+    // at rest the rows are rebuilt once and read as they are.
+    if (!amountEase.isActive() && (!cachedAmountValid || amount[0] != cachedAmount))
+        rebuildTimeRows (amount[0]);
+
+    // The time constants' scales as logarithms, so that each pole's exponent
+    // takes one exp: timeFactor / (scale exp(z)) = exp(ln(timeFactor / scale) - z).
+    const double logTimeFactor = std::log (timeFactor);
+    const std::pair<const HVNEasingFloat<double>*, double*> scales[] = {
+        {&attackEase, logScales.channel (0)}, {&releaseEase, logScales.channel (1)}};
+    for (const auto& [ease, out] : scales)
+    {
+        if (ease->isActive())
+        {
+            vHVN_vLn (ease->getBuffer(), out, n);
+            vHVN_vMulAddC (out, -1.0, logTimeFactor, out, n);
+        }
+        else
+            vHVN_vFill (out, logTimeFactor - std::log (ease->getValue()), n);
+    }
+}
+
+// Inlined: a call would put the step through memory in the middle of the chain.
+[[gnu::always_inline]] inline HVNCompressor::Step HVNCompressor::stepAt (const double* level,
+                                                                         uint32_t i) const
+{
+    const double L = level[i];
+    const double T = perSampleCurve ? thresholdBlock[i] : threshold;
+    const double a = amountEase.getBuffer()[i];
+
+    double over = 0.0, gr = 0.0;
+    if (L > T)
+    {
+        over = L - T;
+        const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
+        const uint32_t k = static_cast<uint32_t> (ac);
+        const double f = ac - k;
+        const double o = std::clamp (over, 0.0, static_cast<double> (lastColumn));
+        const uint32_t j = static_cast<uint32_t> (o);
+        const uint32_t j1 = std::min (j + 1, lastColumn);
+        const double h = o - j;
+        const double* r0 = gainRows[k];
+        const double* r1 = gainRows[std::min (k + 1, lastRow)];
+        const double g0 = r0[j] + (r0[j1] - r0[j]) * h;
+        const double g1 = r1[j] + (r1[j1] - r1[j]) * h;
+        gr = g0 + (g1 - g0) * f;
+    }
+
+    double u = (-over - T) / 3.0;
+    u = u < 22.0 ? u : 22.0;
+    u = u > 0.0 ? u : 0.0;
+    const double q = 22.0 - u;
+    const uint32_t j = static_cast<uint32_t> (q);
+    const uint32_t j2 = std::min (j + 1, lastTime);
+
+    double a1, a2;
+    Step step;
+    if (amountEase.isActive())
+    {
+        const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
+        const uint32_t k = static_cast<uint32_t> (ac);
+        const uint32_t k2 = std::min (k + 1, lastRow);
+        const double f = ac - k, g = 1.0 - f;
+        a1 = Tables::timeA[k][j] * g + Tables::timeA[k2][j] * f;
+        a2 = Tables::timeA[k][j2] * g + Tables::timeA[k2][j2] * f;
+        step.slope1 = Tables::timeB[k][j] * g + Tables::timeB[k2][j] * f;
+        step.slope2 = Tables::timeB[k][j2] * g + Tables::timeB[k2][j2] * f;
+        step.share1 = Tables::timeC[k][j] * g + Tables::timeC[k2][j] * f;
+        step.share2 = Tables::timeC[k][j2] * g + Tables::timeC[k2][j2] * f;
+    }
+    else
+    {
+        a1 = timeA[j], a2 = timeA[j2];
+        step.slope1 = timeB[j], step.slope2 = timeB[j2];
+        step.share1 = timeC[j], step.share2 = timeC[j2];
+    }
+    step.gr = gr;
+    step.fraction = q - j;
+    const double logAttack = logScales.channel (0)[i], logRelease = logScales.channel (1)[i];
+    step.attack1 = logAttack - gr * a1;
+    step.attack2 = logAttack - gr * a2;
+    step.release1 = logRelease - gr * a1;
+    step.release2 = logRelease - gr * a2;
+    return step;
+}
+
 void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
 {
     auto& simd = HVNSIMD::instance();
     peak.process (detectScratch.channel (channel), lookAhead + 1, n);
     double* level = levelBlock.data();
     vHVN_vLinToDb (peak.getOutput(), level, n);
+    prepareBlock (n);
 
     double* hist = history.channel (channel);
     double sum = 0.0;
@@ -245,102 +338,54 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
     const double invW = 1.0 / window;
     double p = hist[window - 1];
 
-    const double* amount = amountEase.getBuffer();
-    const double* attack = attackEase.getBuffer();
-    const double* release = releaseEase.getBuffer();
-    const bool amountMoving = amountEase.isActive();
-    const double* thresholds = perSampleCurve ? thresholdBlock.data() : nullptr;
+    // tc at least 0.015 while releasing: the pole's exponent at most this.
+    const double releaseLimit = std::log (timeFactor / 0.015);
+    constexpr double noLimit = std::numeric_limits<double>::infinity();
 
+    // The chain from one result to the next is e, the distance of the wanted
+    // reduction from the recent mean, then the two passes' poles and the blend.
+    // Everything else of a sample hangs off that chain and overlaps it: the next
+    // sample's step is worked out while this one's poles are on their way.
+    // Two passes, at the level index's two neighbours: a release shrinks e by a
+    // quarter after each pass's time constant, so the second pass's exponent
+    // already sees 0.75 e and the goals 0.75 e and 0.5625 e.
+    double recent = invW * sum;
+    Step step = stepAt (level, 0);
+    double e = step.gr - recent;
     for (uint32_t i = 0; i < n; ++i)
     {
-        const double L = level[i];
-        const double T = thresholds != nullptr ? thresholds[i] : threshold;
-        const double a = amount[i];
-
-        double over = 0.0, gr = 0.0;
-        if (L > T)
-        {
-            over = L - T;
-            const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
-            const uint32_t k = static_cast<uint32_t> (ac);
-            const double f = ac - k;
-            const double o = std::clamp (over, 0.0, static_cast<double> (lastColumn));
-            const uint32_t j = static_cast<uint32_t> (o);
-            const uint32_t j1 = std::min (j + 1, lastColumn);
-            const double h = o - j;
-            const double* r0 = gainRows[k];
-            const double* r1 = gainRows[std::min (k + 1, lastRow)];
-            const double g0 = r0[j] + (r0[j1] - r0[j]) * h;
-            const double g1 = r1[j] + (r1[j1] - r1[j]) * h;
-            gr = g0 + (g1 - g0) * f;
-        }
-
-        const double e = gr - invW * sum;
-        double u = (-over - T) / 3.0;
-        u = u < 22.0 ? u : 22.0;
-        u = u > 0.0 ? u : 0.0;
-        const double q = 22.0 - u;
-
-        // While the amount moves only the two entries this sample reads are
-        // interpolated; at rest the rows are rebuilt once and read as they are.
-        if (!amountMoving && (!cachedAmountValid || a != cachedAmount))
-            rebuildTimeRows (a);
-
-        const uint32_t j = static_cast<uint32_t> (q);
-        const double r = q - j;
-        const uint32_t j2 = std::min (j + 1, lastTime);
-
-        // Two passes, at the level index's two neighbours. A release shrinks e
-        // by a quarter after each pass's time constant, so the second pass's
-        // exponent already sees 0.75 e and the goals 0.75 e and 0.5625 e. Both
-        // passes are written out so that they run side by side, and exp(-z)
-        // replaces a division by exp(z): tc = scale * exp(z) and the pole is
-        // exp(-timeFactor / tc).
         const bool attacking = e >= 0.0;
-        const double exponentE1 = e;
-        const double goalE1 = attacking ? e : 0.75 * e;
-        const double exponentE2 = goalE1;
-        const double goalE2 = attacking ? e : 0.5625 * e;
-        const double sign = attacking ? 1.0 : -1.0;
-        const double factor = timeFactor / (attacking ? attack[i] : release[i]);
-        // tc at least 0.015 while releasing: the pole's exponent at most this.
-        const double limit = attacking ? std::numeric_limits<double>::infinity() : timeFactor / 0.015;
+        const double magnitude = std::fabs (e);
+        const double magnitude2 = attacking ? magnitude : 0.75 * magnitude;
+        const double goal1 = attacking ? e : 0.75 * e;
+        const double goal2 = attacking ? e : 0.5625 * e;
+        const double limit = attacking ? noLimit : releaseLimit;
+        const double u1 =
+            std::min ((attacking ? step.attack1 : step.release1) - magnitude * step.slope1, limit);
+        const double u2 =
+            std::min ((attacking ? step.attack2 : step.release2) - magnitude2 * step.slope2, limit);
+        const double pole1 = poleExp (-HVNFastExp::exp (u1));
+        const double pole2 = poleExp (-HVNFastExp::exp (u2));
 
-        double a1, a2, b1, b2, c1, c2;
-        if (amountMoving)
-        {
-            const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
-            const uint32_t k = static_cast<uint32_t> (ac);
-            const uint32_t k2 = std::min (k + 1, lastRow);
-            const double f = ac - k, g = 1.0 - f;
-            a1 = Tables::timeA[k][j] * g + Tables::timeA[k2][j] * f;
-            a2 = Tables::timeA[k][j2] * g + Tables::timeA[k2][j2] * f;
-            b1 = Tables::timeB[k][j] * g + Tables::timeB[k2][j] * f;
-            b2 = Tables::timeB[k][j2] * g + Tables::timeB[k2][j2] * f;
-            c1 = Tables::timeC[k][j] * g + Tables::timeC[k2][j] * f;
-            c2 = Tables::timeC[k][j2] * g + Tables::timeC[k2][j2] * f;
-        }
-        else
-        {
-            a1 = timeA[j], a2 = timeA[j2], b1 = timeB[j], b2 = timeB[j2], c1 = timeC[j], c2 = timeC[j2];
-        }
+        const double gr = step.gr, r = step.fraction;
+        const double target1 = std::max (0.0, step.share1 * goal1 + gr);
+        const double target2 = std::max (0.0, step.share2 * goal2 + gr);
+        // y1 + (y2 - y1) r with y = pole (p - target) + target, arranged so that
+        // the poles enter last.
+        const double result = (pole1 * ((p - target1) * (1.0 - r)) + pole2 * ((p - target2) * r)) +
+                              (target1 + (target2 - target1) * r);
 
-        const double z1 = gr * a1 + sign * exponentE1 * b1;
-        const double z2 = gr * a2 + sign * exponentE2 * b2;
-        const double w1 = std::min (factor * std::exp (-z1), limit);
-        const double w2 = std::min (factor * std::exp (-z2), limit);
-        const double target1 = std::max (0.0, c1 * goalE1 + gr);
-        const double target2 = std::max (0.0, c2 * goalE2 + gr);
-        const double y[2] = {poleExp (-w1) * (p - target1) + target1,
-                             poleExp (-w2) * (p - target2) + target2};
-        const double result = y[0] + (y[1] - y[0]) * r;
-
-        sum += result - hist[i];
+        if (i + 1 < n)
+            step = stepAt (level, i + 1);
+        const double old = hist[i];
         hist[window + i] = result;
+        // The next e without waiting for the mean to take in this result.
+        e = (step.gr - recent + invW * old) - invW * result;
+        recent += invW * (result - old);
         p = result;
     }
 
-    if (amountMoving)
+    if (amountEase.isActive())
         cachedAmountValid = false;
 
     double* gain = gainBlock.channel (channel);

@@ -57,6 +57,16 @@ private:
                         const HVNSidechainState& sidechainState, uint32_t n);
     void updateThresholdAndMakeup (uint32_t n);
     void rebuildTimeRows (double amount);
+    // What one sample of the gain computer takes from the level alone: the
+    // reduction, the level index's fraction, and at each of the index's two
+    // neighbours the pole's exponent without its e term (attack and release
+    // scale), the e slope and the goal's share of e.
+    struct Step
+    {
+        double gr, fraction, attack1, attack2, release1, release2, slope1, slope2, share1, share2;
+    };
+    void prepareBlock (uint32_t n);
+    Step stepAt (const double* level, uint32_t i) const;
     void computeGain (uint32_t channel, uint32_t n);
 
     HVNAbstractDSP& owner;
@@ -74,6 +84,8 @@ private:
     // block's new ones; the tail moves to the front after each block.
     HVNAudioBuffer<double> history;
     HVNArray<double> levelBlock, thresholdBlock, makeupBlock, blockScratch;
+    // ln(timeFactor / scale) per sample for the attack and the release scales.
+    HVNAudioBuffer<double> logScales;
     double threshold = 0.0, makeup = 1.0;
     bool perSampleCurve = false;
     std::vector<float> channelGainReduction;

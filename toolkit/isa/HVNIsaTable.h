@@ -60,6 +60,49 @@ void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
     }
 }
 
+// Six-point quintic read that moves along with the output: sample i lies at
+// i + offsets[i] in the line. Products and sums stay unfused and in the order
+// of the scalar formula, so every member gives the same bits.
+inline void quinticReadD (const double* line, const double* offsets, double* out, uint32_t n)
+{
+    auto curve = [] (auto x, auto a, auto b, auto c, auto d, auto e, auto g)
+    {
+        using V = decltype (x);
+        const V c1 = V (16.0) * (d - b) + V (2.0) * (a - e);
+        const V c2 = V (16.0) * (d + b) - a - V (30.0) * c - e;
+        const V c3 = V (66.0) * d - V (70.0) * c - V (33.0) * e + V (39.0) * b + V (7.0) * g - V (9.0) * a;
+        const V c4 =
+            V (126.0) * c - V (124.0) * d + V (61.0) * e - V (64.0) * b - V (12.0) * g + V (13.0) * a;
+        const V c5 = V (50.0) * (d - c) + V (25.0) * (b - e) + V (5.0) * (g - a);
+        // The constant stands as tuned: ten decimals, a hair under 1/24.
+        return c + x * V (0.04166666666) * (c1 + x * (c2 + x * (c3 + x * (c4 + x * c5))));
+    };
+
+    constexpr uint32_t lanes = B<double>::size;
+    uint32_t i = 0;
+    for (; i + lanes <= n; i += lanes)
+    {
+        const B<double> v = B<double>::load_unaligned (offsets + i);
+        const B<double> whole = floorOf (v);
+        alignas (64) double index[lanes];
+        whole.store_aligned (index);
+        int32_t taps[lanes];
+        for (uint32_t j = 0; j < lanes; ++j)
+            taps[j] = static_cast<int32_t> (index[j]) + static_cast<int32_t> (i + j);
+        curve (v - whole, gatherLanes (line, taps, -2, Lanes<double>{}),
+               gatherLanes (line, taps, -1, Lanes<double>{}), gatherLanes (line, taps, 0, Lanes<double>{}),
+               gatherLanes (line, taps, 1, Lanes<double>{}), gatherLanes (line, taps, 2, Lanes<double>{}),
+               gatherLanes (line, taps, 3, Lanes<double>{}))
+            .store_unaligned (out + i);
+    }
+    for (; i < n; ++i)
+    {
+        const double whole = floorOf (offsets[i]);
+        const double* t = line + static_cast<int64_t> (whole) + i;
+        out[i] = curve (offsets[i] - whole, t[-2], t[-1], t[0], t[1], t[2], t[3]);
+    }
+}
+
 // x = scale*in + offset; not (x >= 0) gives table[0], which catches NaN, and
 // x >= length-1 gives the last entry.
 template<typename T>
