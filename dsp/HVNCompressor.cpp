@@ -260,8 +260,8 @@ void HVNCompressor::prepareBlock (uint32_t n)
 }
 
 // Inlined: a call would put the step through memory in the middle of the chain.
-[[gnu::always_inline]] inline HVNCompressor::Step HVNCompressor::stepAt (const double* level,
-                                                                         uint32_t i) const
+[[gnu::always_inline]] inline HVNCompressor::Step HVNCompressor::stepAt (const double* level, uint32_t i,
+                                                                         bool amountMoving) const
 {
     const double L = level[i];
     const double T = perSampleCurve ? thresholdBlock[i] : threshold;
@@ -294,7 +294,7 @@ void HVNCompressor::prepareBlock (uint32_t n)
 
     double a1, a2;
     Step step;
-    if (amountEase.isActive())
+    if (amountMoving)
     {
         const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
         const uint32_t k = static_cast<uint32_t> (ac);
@@ -350,7 +350,8 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
     // quarter after each pass's time constant, so the second pass's exponent
     // already sees 0.75 e and the goals 0.75 e and 0.5625 e.
     double recent = invW * sum;
-    Step step = stepAt (level, 0);
+    const bool amountMoving = amountEase.isActive();
+    Step step = stepAt (level, 0, amountMoving);
     double e = step.gr - recent;
     for (uint32_t i = 0; i < n; ++i)
     {
@@ -376,7 +377,7 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
                               (target1 + (target2 - target1) * r);
 
         if (i + 1 < n)
-            step = stepAt (level, i + 1);
+            step = stepAt (level, i + 1, amountMoving);
         const double old = hist[i];
         hist[window + i] = result;
         // The next e without waiting for the mean to take in this result.

@@ -66,7 +66,7 @@ private:
         double gr, fraction, attack1, attack2, release1, release2, slope1, slope2, share1, share2;
     };
     void prepareBlock (uint32_t n);
-    Step stepAt (const double* level, uint32_t i) const;
+    Step stepAt (const double* level, uint32_t i, bool amountMoving) const;
     void computeGain (uint32_t channel, uint32_t n);
 
     HVNAbstractDSP& owner;

@@ -151,8 +151,13 @@ void HVNWowFlutter::runOscillator (Oscillator& osc, bool add, uint32_t n)
             simd.vMulInPlace (wowAmountEase.getBuffer(), y, n);
         else if (wowAmountEase.getValue() != 1.0)
             vHVN_vMulC (y, wowAmountEase.getValue(), y, n);
-        vHVN_vMulC (y, scale, y, n);
-        simd.vDiv (y, speedFloor.data(), y, n);
+        if (wowSpeedEase.isActive())
+        {
+            vHVN_vMulC (y, scale, y, n);
+            simd.vDiv (y, speedFloor.data(), y, n);
+        }
+        else
+            vHVN_vMulC (y, scale / speedFloor[0], y, n);
     }
 
     for (uint32_t c = 0; c < numChannels; ++c)
@@ -224,8 +229,12 @@ void HVNWowFlutter::process (HVNAudioBuffer<double>& main, uint32_t n)
             simd.vSub (positions, offsets, positions, n);
             simd.vTableLookup (positions, 1.0, 0.0, line, capacity, main.channel (c), n);
         }
-        HVNVec::copy (line + base, dryBlock.channel (c), n);
-        wowMixEase.crossfadeEqualPower (scratch.data(), main.channel (c), dryBlock.channel (c),
-                                        main.channel (c), n);
+        // Fully wet at rest, the usual case, needs no dry copy.
+        if (wowMixEase.isActive() || wowMixEase.getValue() != 1.0)
+        {
+            HVNVec::copy (line + base, dryBlock.channel (c), n);
+            wowMixEase.crossfadeEqualPower (scratch.data(), main.channel (c), dryBlock.channel (c),
+                                            main.channel (c), n);
+        }
     }
 }
