@@ -73,11 +73,13 @@ void chainMoving (benchmark::State& state)
 }
 
 // The compressor alone, as the chain runs it: a level well above the threshold,
-// at rest, linked (one loop for both channels) or not.
+// at rest, linked (one loop for both channels) or not, with its gain loop fused
+// where the processor allows or plain.
 void compressor (benchmark::State& state)
 {
     const auto block = static_cast<uint32_t> (state.range (0));
     const bool linked = state.range (1) != 0;
+    const bool fused = state.range (2) != 0;
     HVNZC1DSP owner (block, 48000.0, 2, 2, 0, 0);
     setDefaults (owner);
     owner.parameters[CompStereoLink].value = linked ? 1.0f : 0.0f;
@@ -91,6 +93,7 @@ void compressor (benchmark::State& state)
         for (uint32_t i = 0; i < block; ++i)
             source.channel (c)[i] = 0.25 * std::sin (0.01 * (i + 7 * c));
     auto& stage = owner.getCompressor();
+    stage.useFusedChain (fused);
 
     for (auto _ : state)
     {
@@ -114,5 +117,5 @@ BENCHMARK (chainMoving)
     ->ArgsProduct ({{44100, 48000, 96000}, {64, 256, 1024}});
 BENCHMARK (compressor)
     ->Name ("Compressor/48k_stereo")
-    ->ArgNames ({"block", "linked"})
-    ->ArgsProduct ({{256}, {0, 1}});
+    ->ArgNames ({"block", "linked", "fused"})
+    ->ArgsProduct ({{256}, {0, 1}, {1, 0}});

@@ -24,9 +24,19 @@ constexpr uint32_t lastTime = Tables::timeColumns - 1;
 constexpr double tiltSlope = static_cast<double> (0.70710677f);
 constexpr double fullSwingPerSecond150ms = 6.6666666666666670;
 
+template<bool Fused>
+inline double mulAdd (double a, double b, double c)
+{
+    if constexpr (Fused)
+        return __builtin_fma (a, b, c);
+    else
+        return a * b + c;
+}
+
 // exp(x) for the one-pole coefficients, whose exponent is nearly always tiny:
 // there the series to x^6 is exact to the last bit (the first term left out
-// stays below 1e-18), and it spares the library call in the per-sample loop.
+// stays below 1e-18), and it spares the full exp in the per-sample loop.
+template<bool Fused>
 inline double poleExp (double x)
 {
     if (x > -0.0078125 && x < 0.0078125)
@@ -34,11 +44,80 @@ inline double poleExp (double x)
         // Grouped by powers of x rather than nested: the terms are independent,
         // which shortens the recursion's critical path.
         const double x2 = x * x, x4 = x2 * x2;
-        return (1.0 + x) + x2 * (0.5 + x * (1.0 / 6.0)) +
-               x4 * ((1.0 / 24.0 + x * (1.0 / 120.0)) + x2 * (1.0 / 720.0));
+        const double upper = mulAdd<Fused> (x2, 1.0 / 720.0, mulAdd<Fused> (x, 1.0 / 120.0, 1.0 / 24.0));
+        return mulAdd<Fused> (x4, upper, mulAdd<Fused> (x2, mulAdd<Fused> (x, 1.0 / 6.0, 0.5), 1.0 + x));
     }
-    return HVNFastExp::exp (x);
+    return HVNFastExp::exp<Fused> (x);
 }
+
+// Where the chain of one result to the next runs; see computeGain.
+struct Chain
+{
+    double* history;
+    uint32_t window;
+    double invW, recent, p, e, releaseLimit;
+};
+
+template<bool Fused, typename StepAt>
+[[gnu::always_inline]] inline void runChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    constexpr double noLimit = std::numeric_limits<double>::infinity();
+    const double invW = chain.invW;
+    double* hist = chain.history;
+    double recent = chain.recent, p = chain.p, e = chain.e;
+    auto step = stepAt (0);
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        const bool attacking = e >= 0.0;
+        const double magnitude = std::fabs (e);
+        const double magnitude2 = attacking ? magnitude : 0.75 * magnitude;
+        const double goal1 = attacking ? e : 0.75 * e;
+        const double goal2 = attacking ? e : 0.5625 * e;
+        const double limit = attacking ? noLimit : chain.releaseLimit;
+        const double u1 = std::min (
+            mulAdd<Fused> (-magnitude, step.slope1, attacking ? step.attack1 : step.release1), limit);
+        const double u2 = std::min (
+            mulAdd<Fused> (-magnitude2, step.slope2, attacking ? step.attack2 : step.release2), limit);
+        const double pole1 = poleExp<Fused> (-HVNFastExp::exp<Fused> (u1));
+        const double pole2 = poleExp<Fused> (-HVNFastExp::exp<Fused> (u2));
+
+        const double gr = step.gr, r = step.fraction;
+        const double target1 = std::max (0.0, mulAdd<Fused> (step.share1, goal1, gr));
+        const double target2 = std::max (0.0, mulAdd<Fused> (step.share2, goal2, gr));
+        // y1 + (y2 - y1) r with y = pole (p - target) + target, arranged so that
+        // the poles enter last.
+        const double rest = mulAdd<Fused> (target2 - target1, r, target1);
+        const double result =
+            mulAdd<Fused> (pole1, (p - target1) * (1.0 - r), mulAdd<Fused> (pole2, (p - target2) * r, rest));
+
+        if (i + 1 < n)
+            step = stepAt (i + 1);
+        const double old = hist[i];
+        hist[chain.window + i] = result;
+        // The next e without waiting for the mean to take in this result.
+        e = mulAdd<Fused> (-invW, result, mulAdd<Fused> (invW, old, step.gr - recent));
+        recent = mulAdd<Fused> (invW, result - old, recent);
+        p = result;
+    }
+}
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+// The same chain for processors with FMA, where each a*b + c takes one step
+// instead of two: the chain is latency, so that counts almost in full.
+template<typename StepAt>
+[[gnu::target ("fma"), gnu::flatten]] void runFusedChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    runChain<true> (stepAt, chain, n);
+}
+constexpr bool canFuse = true;
+#else
+template<typename StepAt>
+void runFusedChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    runChain<false> (stepAt, chain, n);
+}
+constexpr bool canFuse = false;
+#endif
 
 void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
 {
@@ -87,6 +166,7 @@ HVNCompressor::HVNCompressor (HVNAbstractDSP& o, HVNEasingFloat<double>& mix, HV
     , makeupBlock (blockSize)
     , blockScratch (blockSize)
     , logScales (2, blockSize)
+    , fusedChain (canFuse && HVNSIMD::selected() >= HVNSIMDMember::avxFma)
     , channelGainReduction (numChannels, 0.0f)
     , peak (lookAhead + blockSize)
     , tiltFilter (numChannels, blockSize, o.sampleRate, true)
@@ -111,6 +191,11 @@ HVNCompressor::HVNCompressor (HVNAbstractDSP& o, HVNEasingFloat<double>& mix, HV
     std::fill (std::begin (timeA), std::end (timeA), 0.0);
     std::fill (std::begin (timeB), std::end (timeB), 0.0);
     std::fill (std::begin (timeC), std::end (timeC), 0.0);
+}
+
+void HVNCompressor::useFusedChain (bool fused)
+{
+    fusedChain = fused && canFuse && HVNSIMD::selected() >= HVNSIMDMember::avxFma;
 }
 
 void HVNCompressor::reset()
@@ -336,11 +421,7 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
     for (uint32_t i = 0; i < window; ++i)
         sum += hist[i];
     const double invW = 1.0 / window;
-    double p = hist[window - 1];
-
-    // tc at least 0.015 while releasing: the pole's exponent at most this.
-    const double releaseLimit = std::log (timeFactor / 0.015);
-    constexpr double noLimit = std::numeric_limits<double>::infinity();
+    const double p = hist[window - 1];
 
     // The chain from one result to the next is e, the distance of the wanted
     // reduction from the recent mean, then the two passes' poles and the blend.
@@ -349,42 +430,14 @@ void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
     // Two passes, at the level index's two neighbours: a release shrinks e by a
     // quarter after each pass's time constant, so the second pass's exponent
     // already sees 0.75 e and the goals 0.75 e and 0.5625 e.
-    double recent = invW * sum;
     const bool amountMoving = amountEase.isActive();
-    Step step = stepAt (level, 0, amountMoving);
-    double e = step.gr - recent;
-    for (uint32_t i = 0; i < n; ++i)
-    {
-        const bool attacking = e >= 0.0;
-        const double magnitude = std::fabs (e);
-        const double magnitude2 = attacking ? magnitude : 0.75 * magnitude;
-        const double goal1 = attacking ? e : 0.75 * e;
-        const double goal2 = attacking ? e : 0.5625 * e;
-        const double limit = attacking ? noLimit : releaseLimit;
-        const double u1 =
-            std::min ((attacking ? step.attack1 : step.release1) - magnitude * step.slope1, limit);
-        const double u2 =
-            std::min ((attacking ? step.attack2 : step.release2) - magnitude2 * step.slope2, limit);
-        const double pole1 = poleExp (-HVNFastExp::exp (u1));
-        const double pole2 = poleExp (-HVNFastExp::exp (u2));
-
-        const double gr = step.gr, r = step.fraction;
-        const double target1 = std::max (0.0, step.share1 * goal1 + gr);
-        const double target2 = std::max (0.0, step.share2 * goal2 + gr);
-        // y1 + (y2 - y1) r with y = pole (p - target) + target, arranged so that
-        // the poles enter last.
-        const double result = (pole1 * ((p - target1) * (1.0 - r)) + pole2 * ((p - target2) * r)) +
-                              (target1 + (target2 - target1) * r);
-
-        if (i + 1 < n)
-            step = stepAt (level, i + 1, amountMoving);
-        const double old = hist[i];
-        hist[window + i] = result;
-        // The next e without waiting for the mean to take in this result.
-        e = (step.gr - recent + invW * old) - invW * result;
-        recent += invW * (result - old);
-        p = result;
-    }
+    auto stepOf = [this, level, amountMoving] (uint32_t i) { return stepAt (level, i, amountMoving); };
+    Chain chain{hist, window, invW, invW * sum, p, 0.0, std::log (timeFactor / 0.015)};
+    chain.e = stepOf (0).gr - chain.recent;
+    if (fusedChain)
+        runFusedChain (stepOf, chain, n);
+    else
+        runChain<false> (stepOf, chain, n);
 
     if (amountEase.isActive())
         cachedAmountValid = false;

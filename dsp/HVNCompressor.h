@@ -41,6 +41,11 @@ public:
     // Clears the delay lines, the reduction history and the tilt filters.
     void reset();
 
+    // The gain loop runs fused multiply-adds where the processor has them, which
+    // moves results in their last bits; tests and benchmarks can turn that off.
+    void useFusedChain (bool fused);
+    bool usesFusedChain() const { return fusedChain; }
+
     uint32_t getLookAhead() const { return lookAhead; }
     uint32_t getWindow() const { return window; }
     bool isStereoLinked() const { return stereoLink; }
@@ -86,6 +91,7 @@ private:
     HVNArray<double> levelBlock, thresholdBlock, makeupBlock, blockScratch;
     // ln(timeFactor / scale) per sample for the attack and the release scales.
     HVNAudioBuffer<double> logScales;
+    bool fusedChain;
     double threshold = 0.0, makeup = 1.0;
     bool perSampleCurve = false;
     std::vector<float> channelGainReduction;

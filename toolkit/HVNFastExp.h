@@ -12,6 +12,10 @@
 // the result is always a normal number; NaN gives exp(-708).
 struct HVNFastExp
 {
+    // Fused, every a*b + c is one rounding: shorter and slightly more exact.
+    // Only for code compiled for processors with FMA; elsewhere it would call
+    // the library's fma.
+    template<bool Fused = false>
     static double exp (double x)
     {
         constexpr double toUnits = 0x1.71547652b82fep+6; // 64 / ln 2
@@ -24,9 +28,18 @@ struct HVNFastExp
 
         x = x > -708.0 ? x : -708.0;
         x = x < 709.0 ? x : 709.0;
-        const double y = x * toUnits;
-        const double t = y + shift;
-        const double d = y - (t - shift);
+        double t, d;
+        if constexpr (Fused)
+        {
+            t = __builtin_fma (x, toUnits, shift);
+            d = __builtin_fma (x, toUnits, -(t - shift));
+        }
+        else
+        {
+            const double y = x * toUnits;
+            t = y + shift;
+            d = y - (t - shift);
+        }
 
         int64_t k;
         std::memcpy (&k, &t, sizeof k);
@@ -38,8 +51,16 @@ struct HVNFastExp
 
         // Grouped by powers of d rather than nested, for a short dependency chain.
         const double d2 = d * d;
-        const double series = (c1 * d + d2 * (c2 + c3 * d)) + (d2 * d2) * (c4 + c5 * d);
-        return scale + scale * series;
+        if constexpr (Fused)
+        {
+            const double upper = __builtin_fma (d2, __builtin_fma (c5, d, c4), __builtin_fma (c3, d, c2));
+            return __builtin_fma (scale, __builtin_fma (d2, upper, c1 * d), scale);
+        }
+        else
+        {
+            const double series = (c1 * d + d2 * (c2 + c3 * d)) + (d2 * d2) * (c4 + c5 * d);
+            return scale + scale * series;
+        }
     }
 
     // 2^(j/64), correctly rounded.
