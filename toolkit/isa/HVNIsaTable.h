@@ -60,6 +60,44 @@ void vQuadInterp (const T* table, const T* positions, T* out, uint32_t n)
     }
 }
 
+// Six taps of each of a vector's samples, from each sample's row of contiguous
+// taps: two-tap loads put side by side, then one unpack per pair of taps, in
+// place of a scalar load for every tap.
+template<typename T>
+inline void transposedTaps (const T* line, const int32_t* taps, B<T> (&out)[6])
+{
+    static_assert (sizeof (T) == 8, "rows of doubles");
+    if constexpr (B<T>::size == 4)
+    {
+#if defined(__AVX__)
+        for (int k = 0; k < 3; ++k)
+        {
+            const int32_t at = 2 * k - 2;
+            const __m256d even =
+                _mm256_insertf128_pd (_mm256_castpd128_pd256 (_mm_loadu_pd (line + taps[0] + at)),
+                                      _mm_loadu_pd (line + taps[2] + at), 1);
+            const __m256d odd =
+                _mm256_insertf128_pd (_mm256_castpd128_pd256 (_mm_loadu_pd (line + taps[1] + at)),
+                                      _mm_loadu_pd (line + taps[3] + at), 1);
+            out[2 * k] = B<T> (_mm256_unpacklo_pd (even, odd));
+            out[2 * k + 1] = B<T> (_mm256_unpackhi_pd (even, odd));
+        }
+#endif
+    }
+    else
+    {
+        static_assert (B<T>::size == 2, "two or four lanes");
+        for (int k = 0; k < 3; ++k)
+        {
+            const int32_t at = 2 * k - 2;
+            const __m128d first = _mm_loadu_pd (line + taps[0] + at),
+                          second = _mm_loadu_pd (line + taps[1] + at);
+            out[2 * k] = B<T> (_mm_unpacklo_pd (first, second));
+            out[2 * k + 1] = B<T> (_mm_unpackhi_pd (first, second));
+        }
+    }
+}
+
 // Six-point quintic read that moves along with the output: sample i lies at
 // i + offsets[i] in the line. Products and sums stay unfused and in the order
 // of the scalar formula, so every member gives the same bits.
@@ -89,11 +127,9 @@ inline void quinticReadD (const double* line, const double* offsets, double* out
         int32_t taps[lanes];
         for (uint32_t j = 0; j < lanes; ++j)
             taps[j] = static_cast<int32_t> (index[j]) + static_cast<int32_t> (i + j);
-        curve (v - whole, gatherLanes (line, taps, -2, Lanes<double>{}),
-               gatherLanes (line, taps, -1, Lanes<double>{}), gatherLanes (line, taps, 0, Lanes<double>{}),
-               gatherLanes (line, taps, 1, Lanes<double>{}), gatherLanes (line, taps, 2, Lanes<double>{}),
-               gatherLanes (line, taps, 3, Lanes<double>{}))
-            .store_unaligned (out + i);
+        B<double> t[6];
+        transposedTaps (line, taps, t);
+        curve (v - whole, t[0], t[1], t[2], t[3], t[4], t[5]).store_unaligned (out + i);
     }
     for (; i < n; ++i)
     {
