@@ -1,9 +1,9 @@
 // Cost of the signal chain per stereo frame: at the factory defaults, with every
 // continuous parameter moving each block, and the compressor's per-sample loop
 // on its own, linked and unlinked.
+#include "bench/ChainBenchSupport.h"
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/HVNZC1DSP.h"
-#include "state/ParameterBounds.h"
 
 #include <benchmark/benchmark.h>
 
@@ -13,26 +13,7 @@ namespace
 {
 using namespace HVNParameterIndex;
 
-void setDefaults (HVNAbstractDSP& dsp)
-{
-    for (uint32_t p = 0; p < count; ++p)
-        dsp.parameters[p].value = ParameterBounds::of (static_cast<ParameterId> (p)).defaultValue;
-}
-
-void fill (HVNAudioBuffer<float>& buffer)
-{
-    for (uint32_t c = 0; c < buffer.channels(); ++c)
-        for (uint32_t i = 0; i < buffer.frames(); ++i)
-            buffer.channel (c)[i] = 0.25f * std::sin (0.01f * static_cast<float> (i + 7 * c));
-}
-
-void perFrame (benchmark::State& state, uint32_t block)
-{
-    state.SetItemsProcessed (state.iterations() * block);
-    state.counters["ns_per_frame"] =
-        benchmark::Counter (static_cast<double> (state.iterations() * block),
-                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
+using namespace ChainBenchSupport;
 
 void chain (benchmark::State& state, bool moving)
 {
@@ -92,11 +73,13 @@ void chainMoving (benchmark::State& state)
 }
 
 // The compressor alone, as the chain runs it: a level well above the threshold,
-// at rest, linked (one loop for both channels) or not.
+// at rest, linked (one loop for both channels) or not, with its gain loop fused
+// where the processor allows or plain.
 void compressor (benchmark::State& state)
 {
     const auto block = static_cast<uint32_t> (state.range (0));
     const bool linked = state.range (1) != 0;
+    const bool fused = state.range (2) != 0;
     HVNZC1DSP owner (block, 48000.0, 2, 2, 0, 0);
     setDefaults (owner);
     owner.parameters[CompStereoLink].value = linked ? 1.0f : 0.0f;
@@ -110,6 +93,7 @@ void compressor (benchmark::State& state)
         for (uint32_t i = 0; i < block; ++i)
             source.channel (c)[i] = 0.25 * std::sin (0.01 * (i + 7 * c));
     auto& stage = owner.getCompressor();
+    stage.useFusedChain (fused);
 
     for (auto _ : state)
     {
@@ -133,5 +117,5 @@ BENCHMARK (chainMoving)
     ->ArgsProduct ({{44100, 48000, 96000}, {64, 256, 1024}});
 BENCHMARK (compressor)
     ->Name ("Compressor/48k_stereo")
-    ->ArgNames ({"block", "linked"})
-    ->ArgsProduct ({{256}, {0, 1}});
+    ->ArgNames ({"block", "linked", "fused"})
+    ->ArgsProduct ({{256}, {0, 1}, {1, 0}});

@@ -2,6 +2,7 @@
 
 #include "dsp/HVNParameterIndex.h"
 #include "dsp/generated/HVNCompressorTables.h"
+#include "toolkit/HVNFastExp.h"
 #include "toolkit/HVNSIMD.h"
 #include "toolkit/HVNVec.h"
 #include "toolkit/vHVN.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -22,9 +24,19 @@ constexpr uint32_t lastTime = Tables::timeColumns - 1;
 constexpr double tiltSlope = static_cast<double> (0.70710677f);
 constexpr double fullSwingPerSecond150ms = 6.6666666666666670;
 
+template<bool Fused>
+inline double mulAdd (double a, double b, double c)
+{
+    if constexpr (Fused)
+        return __builtin_fma (a, b, c);
+    else
+        return a * b + c;
+}
+
 // exp(x) for the one-pole coefficients, whose exponent is nearly always tiny:
 // there the series to x^6 is exact to the last bit (the first term left out
-// stays below 1e-18), and it spares the library call in the per-sample loop.
+// stays below 1e-18), and it spares the full exp in the per-sample loop.
+template<bool Fused>
 inline double poleExp (double x)
 {
     if (x > -0.0078125 && x < 0.0078125)
@@ -32,11 +44,80 @@ inline double poleExp (double x)
         // Grouped by powers of x rather than nested: the terms are independent,
         // which shortens the recursion's critical path.
         const double x2 = x * x, x4 = x2 * x2;
-        return (1.0 + x) + x2 * (0.5 + x * (1.0 / 6.0)) +
-               x4 * ((1.0 / 24.0 + x * (1.0 / 120.0)) + x2 * (1.0 / 720.0));
+        const double upper = mulAdd<Fused> (x2, 1.0 / 720.0, mulAdd<Fused> (x, 1.0 / 120.0, 1.0 / 24.0));
+        return mulAdd<Fused> (x4, upper, mulAdd<Fused> (x2, mulAdd<Fused> (x, 1.0 / 6.0, 0.5), 1.0 + x));
     }
-    return std::exp (x);
+    return HVNFastExp::exp<Fused> (x);
 }
+
+// Where the chain of one result to the next runs; see computeGain.
+struct Chain
+{
+    double* history;
+    uint32_t window;
+    double invW, recent, p, e, releaseLimit;
+};
+
+template<bool Fused, typename StepAt>
+[[gnu::always_inline]] inline void runChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    constexpr double noLimit = std::numeric_limits<double>::infinity();
+    const double invW = chain.invW;
+    double* hist = chain.history;
+    double recent = chain.recent, p = chain.p, e = chain.e;
+    auto step = stepAt (0);
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        const bool attacking = e >= 0.0;
+        const double magnitude = std::fabs (e);
+        const double magnitude2 = attacking ? magnitude : 0.75 * magnitude;
+        const double goal1 = attacking ? e : 0.75 * e;
+        const double goal2 = attacking ? e : 0.5625 * e;
+        const double limit = attacking ? noLimit : chain.releaseLimit;
+        const double u1 = std::min (
+            mulAdd<Fused> (-magnitude, step.slope1, attacking ? step.attack1 : step.release1), limit);
+        const double u2 = std::min (
+            mulAdd<Fused> (-magnitude2, step.slope2, attacking ? step.attack2 : step.release2), limit);
+        const double pole1 = poleExp<Fused> (-HVNFastExp::exp<Fused> (u1));
+        const double pole2 = poleExp<Fused> (-HVNFastExp::exp<Fused> (u2));
+
+        const double gr = step.gr, r = step.fraction;
+        const double target1 = std::max (0.0, mulAdd<Fused> (step.share1, goal1, gr));
+        const double target2 = std::max (0.0, mulAdd<Fused> (step.share2, goal2, gr));
+        // y1 + (y2 - y1) r with y = pole (p - target) + target, arranged so that
+        // the poles enter last.
+        const double rest = mulAdd<Fused> (target2 - target1, r, target1);
+        const double result =
+            mulAdd<Fused> (pole1, (p - target1) * (1.0 - r), mulAdd<Fused> (pole2, (p - target2) * r, rest));
+
+        if (i + 1 < n)
+            step = stepAt (i + 1);
+        const double old = hist[i];
+        hist[chain.window + i] = result;
+        // The next e without waiting for the mean to take in this result.
+        e = mulAdd<Fused> (-invW, result, mulAdd<Fused> (invW, old, step.gr - recent));
+        recent = mulAdd<Fused> (invW, result - old, recent);
+        p = result;
+    }
+}
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+// The same chain for processors with FMA, where each a*b + c takes one step
+// instead of two: the chain is latency, so that counts almost in full.
+template<typename StepAt>
+[[gnu::target ("fma"), gnu::flatten]] void runFusedChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    runChain<true> (stepAt, chain, n);
+}
+constexpr bool canFuse = true;
+#else
+template<typename StepAt>
+void runFusedChain (const StepAt& stepAt, Chain& chain, uint32_t n)
+{
+    runChain<false> (stepAt, chain, n);
+}
+constexpr bool canFuse = false;
+#endif
 
 void configure (HVNEasingFloat<double>& ease, double range, double ratePerSecond, double sampleRate)
 {
@@ -84,6 +165,8 @@ HVNCompressor::HVNCompressor (HVNAbstractDSP& o, HVNEasingFloat<double>& mix, HV
     , thresholdBlock (blockSize)
     , makeupBlock (blockSize)
     , blockScratch (blockSize)
+    , logScales (2, blockSize)
+    , fusedChain (canFuse && HVNSIMD::selected() >= HVNSIMDMember::avxFma)
     , channelGainReduction (numChannels, 0.0f)
     , peak (lookAhead + blockSize)
     , tiltFilter (numChannels, blockSize, o.sampleRate, true)
@@ -108,6 +191,11 @@ HVNCompressor::HVNCompressor (HVNAbstractDSP& o, HVNEasingFloat<double>& mix, HV
     std::fill (std::begin (timeA), std::end (timeA), 0.0);
     std::fill (std::begin (timeB), std::end (timeB), 0.0);
     std::fill (std::begin (timeC), std::end (timeC), 0.0);
+}
+
+void HVNCompressor::useFusedChain (bool fused)
+{
+    fusedChain = fused && canFuse && HVNSIMD::selected() >= HVNSIMDMember::avxFma;
 }
 
 void HVNCompressor::reset()
@@ -231,116 +319,127 @@ void HVNCompressor::rebuildTimeRows (double a)
     }
 }
 
+void HVNCompressor::prepareBlock (uint32_t n)
+{
+    const double* amount = amountEase.getBuffer();
+    // While the amount moves only the entries a sample reads are interpolated;
+    // at rest the rows are rebuilt once and read as they are.
+    if (!amountEase.isActive() && (!cachedAmountValid || amount[0] != cachedAmount))
+        rebuildTimeRows (amount[0]);
+
+    // The time constants' scales as logarithms, so that each pole's exponent
+    // takes one exp: timeFactor / (scale exp(z)) = exp(ln(timeFactor / scale) - z).
+    const double logTimeFactor = std::log (timeFactor);
+    const std::pair<const HVNEasingFloat<double>*, double*> scales[] = {
+        {&attackEase, logScales.channel (0)}, {&releaseEase, logScales.channel (1)}};
+    for (const auto& [ease, out] : scales)
+    {
+        if (ease->isActive())
+        {
+            vHVN_vLn (ease->getBuffer(), out, n);
+            vHVN_vMulAddC (out, -1.0, logTimeFactor, out, n);
+        }
+        else
+            vHVN_vFill (out, logTimeFactor - std::log (ease->getValue()), n);
+    }
+}
+
+// Inlined: a call would put the step through memory in the middle of the chain.
+[[gnu::always_inline]] inline HVNCompressor::Step HVNCompressor::stepAt (const double* level, uint32_t i,
+                                                                         bool amountMoving) const
+{
+    const double L = level[i];
+    const double T = perSampleCurve ? thresholdBlock[i] : threshold;
+    const double a = amountEase.getBuffer()[i];
+
+    double over = 0.0, gr = 0.0;
+    if (L > T)
+    {
+        over = L - T;
+        const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
+        const uint32_t k = static_cast<uint32_t> (ac);
+        const double f = ac - k;
+        const double o = std::clamp (over, 0.0, static_cast<double> (lastColumn));
+        const uint32_t j = static_cast<uint32_t> (o);
+        const uint32_t j1 = std::min (j + 1, lastColumn);
+        const double h = o - j;
+        const double* r0 = gainRows[k];
+        const double* r1 = gainRows[std::min (k + 1, lastRow)];
+        const double g0 = r0[j] + (r0[j1] - r0[j]) * h;
+        const double g1 = r1[j] + (r1[j1] - r1[j]) * h;
+        gr = g0 + (g1 - g0) * f;
+    }
+
+    double u = (-over - T) / 3.0;
+    u = u < 22.0 ? u : 22.0;
+    u = u > 0.0 ? u : 0.0;
+    const double q = 22.0 - u;
+    const uint32_t j = static_cast<uint32_t> (q);
+    const uint32_t j2 = std::min (j + 1, lastTime);
+
+    double a1, a2;
+    Step step;
+    if (amountMoving)
+    {
+        const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
+        const uint32_t k = static_cast<uint32_t> (ac);
+        const uint32_t k2 = std::min (k + 1, lastRow);
+        const double f = ac - k, g = 1.0 - f;
+        a1 = Tables::timeA[k][j] * g + Tables::timeA[k2][j] * f;
+        a2 = Tables::timeA[k][j2] * g + Tables::timeA[k2][j2] * f;
+        step.slope1 = Tables::timeB[k][j] * g + Tables::timeB[k2][j] * f;
+        step.slope2 = Tables::timeB[k][j2] * g + Tables::timeB[k2][j2] * f;
+        step.share1 = Tables::timeC[k][j] * g + Tables::timeC[k2][j] * f;
+        step.share2 = Tables::timeC[k][j2] * g + Tables::timeC[k2][j2] * f;
+    }
+    else
+    {
+        a1 = timeA[j], a2 = timeA[j2];
+        step.slope1 = timeB[j], step.slope2 = timeB[j2];
+        step.share1 = timeC[j], step.share2 = timeC[j2];
+    }
+    step.gr = gr;
+    step.fraction = q - j;
+    const double logAttack = logScales.channel (0)[i], logRelease = logScales.channel (1)[i];
+    step.attack1 = logAttack - gr * a1;
+    step.attack2 = logAttack - gr * a2;
+    step.release1 = logRelease - gr * a1;
+    step.release2 = logRelease - gr * a2;
+    return step;
+}
+
 void HVNCompressor::computeGain (uint32_t channel, uint32_t n)
 {
     auto& simd = HVNSIMD::instance();
     peak.process (detectScratch.channel (channel), lookAhead + 1, n);
     double* level = levelBlock.data();
     vHVN_vLinToDb (peak.getOutput(), level, n);
+    prepareBlock (n);
 
     double* hist = history.channel (channel);
     double sum = 0.0;
     for (uint32_t i = 0; i < window; ++i)
         sum += hist[i];
     const double invW = 1.0 / window;
-    double p = hist[window - 1];
+    const double p = hist[window - 1];
 
-    const double* amount = amountEase.getBuffer();
-    const double* attack = attackEase.getBuffer();
-    const double* release = releaseEase.getBuffer();
+    // The chain from one result to the next is e, the distance of the wanted
+    // reduction from the recent mean, then the two passes' poles and the blend.
+    // Everything else of a sample hangs off that chain and overlaps it: the next
+    // sample's step is worked out while this one's poles are on their way.
+    // Two passes, at the level index's two neighbours: a release shrinks e by a
+    // quarter after each pass's time constant, so the second pass's exponent
+    // already sees 0.75 e and the goals 0.75 e and 0.5625 e.
     const bool amountMoving = amountEase.isActive();
-    const double* thresholds = perSampleCurve ? thresholdBlock.data() : nullptr;
+    auto stepOf = [this, level, amountMoving] (uint32_t i) { return stepAt (level, i, amountMoving); };
+    Chain chain{hist, window, invW, invW * sum, p, 0.0, std::log (timeFactor / 0.015)};
+    chain.e = stepOf (0).gr - chain.recent;
+    if (fusedChain)
+        runFusedChain (stepOf, chain, n);
+    else
+        runChain<false> (stepOf, chain, n);
 
-    for (uint32_t i = 0; i < n; ++i)
-    {
-        const double L = level[i];
-        const double T = thresholds != nullptr ? thresholds[i] : threshold;
-        const double a = amount[i];
-
-        double over = 0.0, gr = 0.0;
-        if (L > T)
-        {
-            over = L - T;
-            const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
-            const uint32_t k = static_cast<uint32_t> (ac);
-            const double f = ac - k;
-            const double o = std::clamp (over, 0.0, static_cast<double> (lastColumn));
-            const uint32_t j = static_cast<uint32_t> (o);
-            const uint32_t j1 = std::min (j + 1, lastColumn);
-            const double h = o - j;
-            const double* r0 = gainRows[k];
-            const double* r1 = gainRows[std::min (k + 1, lastRow)];
-            const double g0 = r0[j] + (r0[j1] - r0[j]) * h;
-            const double g1 = r1[j] + (r1[j1] - r1[j]) * h;
-            gr = g0 + (g1 - g0) * f;
-        }
-
-        const double e = gr - invW * sum;
-        double u = (-over - T) / 3.0;
-        u = u < 22.0 ? u : 22.0;
-        u = u > 0.0 ? u : 0.0;
-        const double q = 22.0 - u;
-
-        // While the amount moves only the two entries this sample reads are
-        // interpolated; at rest the rows are rebuilt once and read as they are.
-        if (!amountMoving && (!cachedAmountValid || a != cachedAmount))
-            rebuildTimeRows (a);
-
-        const uint32_t j = static_cast<uint32_t> (q);
-        const double r = q - j;
-        const uint32_t j2 = std::min (j + 1, lastTime);
-
-        // Two passes, at the level index's two neighbours. A release shrinks e
-        // by a quarter after each pass's time constant, so the second pass's
-        // exponent already sees 0.75 e and the goals 0.75 e and 0.5625 e. Both
-        // passes are written out so that they run side by side, and exp(-z)
-        // replaces a division by exp(z): tc = scale * exp(z) and the pole is
-        // exp(-timeFactor / tc).
-        const bool attacking = e >= 0.0;
-        const double exponentE1 = e;
-        const double goalE1 = attacking ? e : 0.75 * e;
-        const double exponentE2 = goalE1;
-        const double goalE2 = attacking ? e : 0.5625 * e;
-        const double sign = attacking ? 1.0 : -1.0;
-        const double factor = timeFactor / (attacking ? attack[i] : release[i]);
-        // tc at least 0.015 while releasing: the pole's exponent at most this.
-        const double limit = attacking ? std::numeric_limits<double>::infinity() : timeFactor / 0.015;
-
-        double a1, a2, b1, b2, c1, c2;
-        if (amountMoving)
-        {
-            const double ac = std::clamp (a, 0.0, static_cast<double> (lastRow));
-            const uint32_t k = static_cast<uint32_t> (ac);
-            const uint32_t k2 = std::min (k + 1, lastRow);
-            const double f = ac - k, g = 1.0 - f;
-            a1 = Tables::timeA[k][j] * g + Tables::timeA[k2][j] * f;
-            a2 = Tables::timeA[k][j2] * g + Tables::timeA[k2][j2] * f;
-            b1 = Tables::timeB[k][j] * g + Tables::timeB[k2][j] * f;
-            b2 = Tables::timeB[k][j2] * g + Tables::timeB[k2][j2] * f;
-            c1 = Tables::timeC[k][j] * g + Tables::timeC[k2][j] * f;
-            c2 = Tables::timeC[k][j2] * g + Tables::timeC[k2][j2] * f;
-        }
-        else
-        {
-            a1 = timeA[j], a2 = timeA[j2], b1 = timeB[j], b2 = timeB[j2], c1 = timeC[j], c2 = timeC[j2];
-        }
-
-        const double z1 = gr * a1 + sign * exponentE1 * b1;
-        const double z2 = gr * a2 + sign * exponentE2 * b2;
-        const double w1 = std::min (factor * std::exp (-z1), limit);
-        const double w2 = std::min (factor * std::exp (-z2), limit);
-        const double target1 = std::max (0.0, c1 * goalE1 + gr);
-        const double target2 = std::max (0.0, c2 * goalE2 + gr);
-        const double y[2] = {poleExp (-w1) * (p - target1) + target1,
-                             poleExp (-w2) * (p - target2) + target2};
-        const double result = y[0] + (y[1] - y[0]) * r;
-
-        sum += result - hist[i];
-        hist[window + i] = result;
-        p = result;
-    }
-
-    if (amountMoving)
+    if (amountEase.isActive())
         cachedAmountValid = false;
 
     double* gain = gainBlock.channel (channel);

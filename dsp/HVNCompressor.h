@@ -41,6 +41,11 @@ public:
     // Clears the delay lines, the reduction history and the tilt filters.
     void reset();
 
+    // The gain loop runs fused multiply-adds where the processor has them, which
+    // moves results in their last bits; tests and benchmarks can turn that off.
+    void useFusedChain (bool fused);
+    bool usesFusedChain() const { return fusedChain; }
+
     uint32_t getLookAhead() const { return lookAhead; }
     uint32_t getWindow() const { return window; }
     bool isStereoLinked() const { return stereoLink; }
@@ -57,6 +62,16 @@ private:
                         const HVNSidechainState& sidechainState, uint32_t n);
     void updateThresholdAndMakeup (uint32_t n);
     void rebuildTimeRows (double amount);
+    // What one sample of the gain computer takes from the level alone: the
+    // reduction, the level index's fraction, and at each of the index's two
+    // neighbours the pole's exponent without its e term (attack and release
+    // scale), the e slope and the goal's share of e.
+    struct Step
+    {
+        double gr, fraction, attack1, attack2, release1, release2, slope1, slope2, share1, share2;
+    };
+    void prepareBlock (uint32_t n);
+    Step stepAt (const double* level, uint32_t i, bool amountMoving) const;
     void computeGain (uint32_t channel, uint32_t n);
 
     HVNAbstractDSP& owner;
@@ -74,6 +89,9 @@ private:
     // block's new ones; the tail moves to the front after each block.
     HVNAudioBuffer<double> history;
     HVNArray<double> levelBlock, thresholdBlock, makeupBlock, blockScratch;
+    // ln(timeFactor / scale) per sample for the attack and the release scales.
+    HVNAudioBuffer<double> logScales;
+    bool fusedChain;
     double threshold = 0.0, makeup = 1.0;
     bool perSampleCurve = false;
     std::vector<float> channelGainReduction;

@@ -151,8 +151,13 @@ void HVNWowFlutter::runOscillator (Oscillator& osc, bool add, uint32_t n)
             simd.vMulInPlace (wowAmountEase.getBuffer(), y, n);
         else if (wowAmountEase.getValue() != 1.0)
             vHVN_vMulC (y, wowAmountEase.getValue(), y, n);
-        vHVN_vMulC (y, scale, y, n);
-        simd.vDiv (y, speedFloor.data(), y, n);
+        if (wowSpeedEase.isActive())
+        {
+            vHVN_vMulC (y, scale, y, n);
+            simd.vDiv (y, speedFloor.data(), y, n);
+        }
+        else
+            vHVN_vMulC (y, scale / speedFloor[0], y, n);
     }
 
     for (uint32_t c = 0; c < numChannels; ++c)
@@ -167,29 +172,14 @@ void HVNWowFlutter::runOscillator (Oscillator& osc, bool add, uint32_t n)
 
 void HVNWowFlutter::interpolate (const double* d, const double* offsets, double base, double* out, uint32_t n)
 {
-    // Read positions, their whole parts and fractions, on the whole block first:
-    // only the taps' polynomial stays in the per-sample loop.
+    // Read positions relative to each sample; the kernel takes their whole parts
+    // and fractions and runs the six-point quintic over several samples at once.
     auto& simd = HVNSIMD::instance();
-    double* x = pair.channel (0);
-    double* whole = pair.channel (1);
-    vHVN_vFill (whole, base, n);
-    simd.vSub (whole, offsets, x, n);
-    simd.vFloor (x, whole, n);
-    simd.vSub (x, whole, x, n);
-
-    for (uint32_t i = n; i-- > 0;)
-    {
-        const double* t = d + static_cast<int64_t> (whole[i]) + i;
-        const double a = t[-2], b = t[-1], c = t[0], dd = t[1], e = t[2], g = t[3];
-        const double c1 = 16.0 * (dd - b) + 2.0 * (a - e);
-        const double c2 = 16.0 * (dd + b) - a - 30.0 * c - e;
-        const double c3 = 66.0 * dd - 70.0 * c - 33.0 * e + 39.0 * b + 7.0 * g - 9.0 * a;
-        const double c4 = 126.0 * c - 124.0 * dd + 61.0 * e - 64.0 * b - 12.0 * g + 13.0 * a;
-        const double c5 = 50.0 * (dd - c) + 25.0 * (b - e) + 5.0 * (g - a);
-        const double f = x[i];
-        // The constant stands as tuned: ten decimals, a hair under 1/24.
-        out[i] = c + f * 0.04166666666 * (c1 + f * (c2 + f * (c3 + f * (c4 + f * c5))));
-    }
+    double* positions = pair.channel (0);
+    double* fill = pair.channel (1);
+    vHVN_vFill (fill, base, n);
+    simd.vSub (fill, offsets, positions, n);
+    HVNSIMD::kernels().quinticReadD (d, positions, out, n);
 }
 
 void HVNWowFlutter::process (HVNAudioBuffer<double>& main, uint32_t n)
@@ -239,8 +229,12 @@ void HVNWowFlutter::process (HVNAudioBuffer<double>& main, uint32_t n)
             simd.vSub (positions, offsets, positions, n);
             simd.vTableLookup (positions, 1.0, 0.0, line, capacity, main.channel (c), n);
         }
-        HVNVec::copy (line + base, dryBlock.channel (c), n);
-        wowMixEase.crossfadeEqualPower (scratch.data(), main.channel (c), dryBlock.channel (c),
-                                        main.channel (c), n);
+        // Fully wet at rest, the usual case, needs no dry copy.
+        if (wowMixEase.isActive() || wowMixEase.getValue() != 1.0)
+        {
+            HVNVec::copy (line + base, dryBlock.channel (c), n);
+            wowMixEase.crossfadeEqualPower (scratch.data(), main.channel (c), dryBlock.channel (c),
+                                            main.channel (c), n);
+        }
     }
 }

@@ -52,6 +52,7 @@ void HVNEasingFloat<T>::setInstant (T v)
     overshootCeiling = {};
     value = convertScalar (v);
     buffer[0] = value;
+    settledCount = 0;
 }
 
 template<typename T>
@@ -121,12 +122,19 @@ void HVNEasingFloat<T>::process (uint32_t n)
 
     if (!easing || rampPosition >= rampLength)
     {
-        fill (b, current, n);
         previous = current;
         easing = false;
+        // At rest the links and conversions below refill the buffer with the
+        // value, unless a linked easing still moves and needs it per sample.
+        if (isActive())
+        {
+            fill (b, current, n);
+            settledCount = 0;
+        }
     }
     else
     {
+        settledCount = 0;
         const T inverseLength = static_cast<T> (1) / static_cast<T> (rampLength);
         const uint32_t left = rampLength - rampPosition;
         const bool ends = n >= left;
@@ -206,7 +214,13 @@ void HVNEasingFloat<T>::applyLinksAndConversions (uint32_t n)
             }
         }
         value = convertScalar (x);
-        fill (b, value, n);
+        // A settled control keeps its buffer from block to block.
+        if (!(settledCount >= n && value == settledValue))
+        {
+            fill (b, value, n);
+            settledValue = value;
+            settledCount = n;
+        }
         return;
     }
 

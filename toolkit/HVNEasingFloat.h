@@ -111,6 +111,9 @@ private:
     HVNChecked<T> minimum, maximum;
     HVNChecked<T> overshootFloor, overshootCeiling;
     T value = 0;
+    // The first settledCount entries of the buffer hold settledValue.
+    T settledValue = 0;
+    uint32_t settledCount = 0;
     std::vector<HVNEasingConversion> conversions;
     struct Link
     {

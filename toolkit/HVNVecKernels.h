@@ -38,4 +38,7 @@ struct HVNVecKernels
     void (*upperBoundD) (const double* in, double level, double* out, uint32_t n);
     void (*clipF) (const float* in, float low, float high, float* out, uint32_t n);
     void (*clipD) (const double* in, double low, double high, double* out, uint32_t n);
+    // A six-point quintic read of line that moves along with the output: sample
+    // i lies at i + offsets[i], whose whole part k needs line[k - 2] to line[k + 3].
+    void (*quinticReadD) (const double* line, const double* offsets, double* out, uint32_t n);
 };

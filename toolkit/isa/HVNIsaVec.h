@@ -5,6 +5,7 @@
 // and NaN-preserving thresholds.
 #include "toolkit/HVNVecKernels.h"
 #include "toolkit/isa/HVNIsaCore.h"
+#include "toolkit/isa/HVNIsaTable.h"
 
 #include <cmath>
 
@@ -246,5 +247,6 @@ inline const HVNVecKernels vectorKernelTable{&expScaled<float>,
                                              &upperBound<float>,
                                              &upperBound<double>,
                                              &clipBoth<float>,
-                                             &clipBoth<double>};
+                                             &clipBoth<double>,
+                                             &quinticReadD};
 } // namespace HVN_ISA_NAMESPACE
