@@ -44,16 +44,7 @@ bool TRQPresetEditModal::submit()
     if (name != presetName)
         if (const auto* existing = userPresetNamed (name, uuid()))
         {
-            Settings replace;
-            replace.hasForm = true;
-            replace.set (Settings::kind, (int)replaceForm)
-                .set (Settings::uuid, existing->uuid)
-                .set (Settings::name, name)
-                .set (Settings::note, note)
-                .set (Settings::makeDefault, makeDefault)
-                .set (Settings::values, valuesToVar (values))
-                .set (Settings::retireUuid, uuid());
-            modalSignal.emit (2, replace);
+            askToReplace (*existing, name, note, makeDefault, uuid());
             return false;
         }
     controller->editPreset (uuid(), name, note);

@@ -190,6 +190,22 @@ void TRQPresetModal::showError (const juce::String& text)
     errorDisplay->setText (text);
 }
 
+void TRQPresetModal::askToReplace (const PresetRecord& existing, const juce::String& name,
+                                   const juce::String& note, bool makeDefault, const juce::String& retireUuid)
+{
+    Settings replace;
+    replace.hasForm = true;
+    replace.set (Settings::kind, (int)replaceForm)
+        .set (Settings::uuid, existing.uuid)
+        .set (Settings::name, name)
+        .set (Settings::note, note)
+        .set (Settings::makeDefault, makeDefault)
+        .set (Settings::values, valuesToVar (values));
+    if (retireUuid.isNotEmpty())
+        replace.set (Settings::retireUuid, retireUuid);
+    modalSignal.emit (2, replace);
+}
+
 const PresetRecord* TRQPresetModal::userPresetNamed (const juce::String& name,
                                                      const juce::String& skipUuid) const
 {

@@ -58,6 +58,10 @@ protected:
     // The first user section's preset of that name, other than the one with skipUuid.
     const PresetRecord* userPresetNamed (const juce::String& name, const juce::String& skipUuid) const;
     juce::String uuid() const { return settings.get (Settings::uuid).toString(); }
+    // Hands over to the replace form for the existing preset; retireUuid names a preset
+    // the replace takes the place of (an edit's own), empty for a new one.
+    void askToReplace (const PresetRecord& existing, const juce::String& name, const juce::String& note,
+                       bool makeDefault, const juce::String& retireUuid);
 
     std::shared_ptr<TRQPresetController> controller;
     Values values;

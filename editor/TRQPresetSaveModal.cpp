@@ -24,15 +24,7 @@ bool TRQPresetSaveModal::submit()
         return false;
     if (const auto* existing = userPresetNamed (name, {}))
     {
-        Settings replace;
-        replace.hasForm = true;
-        replace.set (Settings::kind, (int)replaceForm)
-            .set (Settings::uuid, existing->uuid)
-            .set (Settings::name, name)
-            .set (Settings::note, note)
-            .set (Settings::makeDefault, makeDefault)
-            .set (Settings::values, valuesToVar (values));
-        modalSignal.emit (2, replace);
+        askToReplace (*existing, name, note, makeDefault, {});
         return false;
     }
     const auto newUuid = controller->savePreset (name, note, urlOf (values), values);

@@ -125,20 +125,18 @@ juce::Component* focusAfterRightPress (TRQAudioProcessorEditor& editor, juce::Po
     return focused;
 }
 
-class EditorMenuWindow : public ::testing::Test
+class EditorMenuWindow : public WindowTest
 {
 protected:
     void SetUp() override
     {
-        if (!hasDisplay())
-            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        WindowTest::SetUp();
+        if (IsSkipped())
+            return;
         prefs->setInt ("AlwaysOpenAdvPane", 0);
     }
 
     void TearDown() override { juce::PopupMenu::dismissAllActiveMenus(); }
-
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
 };
 
 // The headings of the main panel, where every language draws its own shapes.

@@ -52,17 +52,8 @@ juce::Point<float> thumbCentre (TRQAudioProcessorEditor& editor, TRQSlider& slid
     return editor.getRoot().getLocalPoint (&slider, slider.thumbBounds().getCentre());
 }
 
-class EditorWindowAnimation : public ::testing::Test
+class EditorWindowAnimation : public WindowTest
 {
-protected:
-    void SetUp() override
-    {
-        if (!hasDisplay())
-            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
-    }
-
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
 };
 } // namespace
 

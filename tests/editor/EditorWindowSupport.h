@@ -3,6 +3,7 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 
+#include <gtest/gtest.h>
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <memory>
@@ -14,6 +15,21 @@ class TRQControl;
 namespace EditorWindowSupport
 {
 bool hasDisplay();
+
+// Base of the window tests: skipped without a display, with preferences of their own
+// kept in memory.
+class WindowTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!hasDisplay())
+            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
+        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    }
+
+    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
+};
 // Whether the run expects a working OpenGL 3.2 (ZOLK_EXPECT_GL, default yes).
 bool expectsGL();
 

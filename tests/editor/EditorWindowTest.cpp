@@ -48,17 +48,8 @@ bool isReddish (juce::Colour c)
     return c.getFloatRed() > c.getFloatGreen() + 0.2f && c.getFloatRed() > c.getFloatBlue() + 0.2f;
 }
 
-class EditorWindow : public ::testing::Test
+class EditorWindow : public WindowTest
 {
-protected:
-    void SetUp() override
-    {
-        if (!hasDisplay())
-            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
-    }
-
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
 };
 } // namespace
 

@@ -35,14 +35,14 @@ float inputGain (TRQAudioProcessor& processor)
     return processor.getAudioParameter (1).getRealValue();
 }
 
-class PresetWindow : public ::testing::Test
+class PresetWindow : public WindowTest
 {
 protected:
     void SetUp() override
     {
-        if (!hasDisplay())
-            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        WindowTest::SetUp();
+        if (IsSkipped())
+            return;
         prefs->setInt ("AlwaysOpenAdvPane", 0);
         writeFactory (folder);
         TRQBrowser::setOpener (
@@ -60,7 +60,6 @@ protected:
     }
 
     PresetFolder folder;
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
     juce::StringArray launched;
 };
 } // namespace
