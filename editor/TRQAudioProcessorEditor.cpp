@@ -354,6 +354,10 @@ void TRQAudioProcessorEditor::openModal (int state, bool pushHistory,
     modalState = state;
     modalSettings = settings;
     gl->modalShowing.store (state == 2);
+    // The browser covers the main pane only; a form covers everything.
+    for (auto& control : controls)
+        if (control != nullptr)
+            control->setInModal (state == 2 || (state == 1 && control->getParentComponent() == &mainPane));
 }
 
 void TRQAudioProcessorEditor::closeModal (int count)

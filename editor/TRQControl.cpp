@@ -155,9 +155,18 @@ void TRQControl::setDependencyDisabled (int dependency, bool isDisabled)
     if (any == disabled)
         return;
     disabled = any;
-    dimAnimation.setTarget (disabled ? 1.0f : 0.0f, 250.0, nowMs());
+    dimAnimation.setTarget (disabled || inModal ? 1.0f : 0.0f, 250.0, nowMs());
     if (!locked.load())
         setEnabled (!disabled);
+    dirty = true;
+}
+
+void TRQControl::setInModal (bool on)
+{
+    if (on == inModal)
+        return;
+    inModal = on;
+    dimAnimation.setTarget (disabled || inModal ? 1.0f : 0.0f, 250.0, nowMs());
     dirty = true;
 }
 

@@ -37,6 +37,9 @@ public:
     virtual void refresh (bool force);
     virtual void drawControl (juce::Graphics& g) = 0;
     virtual void setDependencyDisabled (int parameter, bool disabled);
+    // Under a form the panel is only a backdrop: the control fades to its dimmed look.
+    void setInModal (bool on);
+    bool isInModal() const { return inModal; }
     virtual void setLanguageAndStyle (int language, int style);
     virtual void stepUp (juce::ModifierKeys mods, bool gesture);
     virtual void stepDown (juce::ModifierKeys mods, bool gesture);
@@ -131,6 +134,7 @@ protected:
     bool scrollEnabled = false;
     bool hasLock = false;
     bool disabled = false;
+    bool inModal = false;
     bool isDown = false;
     bool isDragging = false;
     bool dirty = true;

@@ -2,6 +2,7 @@
 #include "editor/GenericFormFocusTraverser.h"
 #include "editor/PresetWindowSupport.h"
 #include "editor/TRQAudioProcessorEditor.h"
+#include "editor/TRQControl.h"
 #include "editor/TRQPresetModal.h"
 #include "editor/TRQPresetView.h"
 #include "editor/TRQToolbar.h"
@@ -124,9 +125,18 @@ TEST_F (PresetUI, ModalBackStack)
 {
     auto processor = ProcessorTestSupport::make();
     auto editor = makeEditor (*processor);
+    // Controls under what covers them are dimmed: the browser covers the main pane, a
+    // form the whole panel.
+    auto* inputGain = editor->getControl (1);
+    auto* attack = editor->getControl (7);
+    ASSERT_NE (inputGain, nullptr);
+    ASSERT_NE (attack, nullptr);
     editor->openModal (1, true, {});
     ASSERT_EQ (editor->getModalState(), 1);
+    EXPECT_TRUE (inputGain->isInModal());
+    EXPECT_FALSE (attack->isInModal());
     editor->openModal (2, true, {});
+    EXPECT_TRUE (attack->isInModal());
     auto* first = form (*editor);
     ASSERT_NE (first, nullptr);
     editor->openModal (2, true, {});
@@ -153,6 +163,8 @@ TEST_F (PresetUI, ModalBackStack)
     editor->closeModal (5);
     EXPECT_EQ (editor->getModalState(), 0);
     EXPECT_EQ (editor->getModalHistorySize(), 0u);
+    EXPECT_FALSE (inputGain->isInModal());
+    EXPECT_FALSE (attack->isInModal());
 }
 
 TEST_F (PresetUI, FormsCheckNames)

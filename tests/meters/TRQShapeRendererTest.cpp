@@ -36,7 +36,7 @@ public:
     // Waits for a finished frame; false when GL never came.
     bool waitForFrame()
     {
-        for (int i = 0; i < 300 && !done.load(); ++i)
+        for (int i = 0; i < 600 && !done.load(); ++i)
             juce::MessageManager::getInstance()->runDispatchLoopUntil (10);
         return done.load();
     }
@@ -60,6 +60,10 @@ private:
     {
         if (done.load() || renderer == nullptr)
             return;
+        // The native surface follows the component's size asynchronously; on a busy
+        // machine the first frames may still land in a smaller one.
+        if (++framesSeen < settleFrames)
+            return;
         glViewport (0, 0, 200, 100);
         juce::OpenGLHelpers::clear (juce::Colours::black);
         glEnable (GL_BLEND);
@@ -82,6 +86,8 @@ private:
     std::unique_ptr<TRQShapeRenderer> renderer;
     std::vector<juce::uint8> pixels;
     std::atomic<bool> done{false};
+    static constexpr int settleFrames = 10;
+    int framesSeen = 0;
 };
 
 bool glAvailable()
