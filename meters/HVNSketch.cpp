@@ -5,12 +5,13 @@
 namespace
 {
 // Input and output bars beside their faders' tracks, the gain-reduction history
-// under the compressor's switch in the centre pane, the detector LED by the
-// compressor's heading.
+// in the free stretch of the centre strip between the mark and the noise switch
+// (the task buttons own the strip below the power switch, and GL draws the meters
+// under every component), the detector LED by the compressor's heading.
 const HVNSketchRow rows[] = {
     {0, {64.0f, 54.0f, 6.0f, 218.0f}, false, false},
     {1, {380.0f, 54.0f, 6.0f, 218.0f}, false, false},
-    {2, {399.0f, 252.0f, 54.0f, 64.0f}, true, false},
+    {2, {399.0f, 52.0f, 54.0f, 64.0f}, true, false},
     {3, {146.0f, 10.0f, 10.0f, 10.0f}, true, false},
 };
 } // namespace

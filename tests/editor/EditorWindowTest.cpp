@@ -5,6 +5,7 @@
 #include "editor/TRQControl.h"
 #include "editor/TRQParameterGestures.h"
 #include "editor/TRQSlider.h"
+#include "editor/TRQTaskButtons.h"
 #include "meters/MeterMessaging.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -352,8 +353,8 @@ TEST_F (EditorWindow, MetersFollowTheMeterChannel)
         EXPECT_TRUE (isReddish (pixelAt (shot, editor, {381.0f, 250.0f})));
         EXPECT_FALSE (isReddish (pixelAt (shot, editor, {65.0f, 56.0f})));
         // Nine dB of reduction reach a good way down the history.
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {420.0f, 258.0f})) ||
-                     brightness (pixelAt (shot, editor, {420.0f, 258.0f})) < 0.95f);
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {420.0f, 58.0f})) ||
+                     brightness (pixelAt (shot, editor, {420.0f, 58.0f})) < 0.95f);
     }
     processor.releaseResources();
 }
@@ -376,6 +377,69 @@ TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
         EXPECT_TRUE (isReddish (pixelAt (shot, editor, {67.0f, 265.0f})));
         EXPECT_TRUE (isReddish (pixelAt (shot, editor, {383.0f, 265.0f})));
     }
+    processor.releaseResources();
+}
+
+namespace
+{
+bool looksAlike (juce::Colour a, juce::Colour b)
+{
+    const int tolerance = 10;
+    return std::abs ((int)a.getRed() - (int)b.getRed()) <= tolerance &&
+           std::abs ((int)a.getGreen() - (int)b.getGreen()) <= tolerance &&
+           std::abs ((int)a.getBlue() - (int)b.getBlue()) <= tolerance;
+}
+} // namespace
+
+// The round task button leaves the corners of its frame to the plain strip, whether
+// hovered, pressed or toggled, and while the gain-reduction history is full: nothing
+// square shows behind the circle.
+TEST_F (EditorWindow, TaskButtonCornersStayPlainStrip)
+{
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    pump (200);
+    const auto frame = TRQTaskButtons::frameOf (TRQTaskButtons::AdvancedControls).toFloat();
+    const juce::Point<float> corners[] = {frame.getTopLeft() + juce::Point<float> (1.5f, 1.5f),
+                                          frame.getTopRight() + juce::Point<float> (-1.5f, 1.5f),
+                                          frame.getBottomLeft() + juce::Point<float> (1.5f, -1.5f),
+                                          frame.getBottomRight() + juce::Point<float> (-1.5f, -1.5f)};
+    // Between the noise switch and the power switch nothing is drawn on the strip.
+    const juce::Point<float> plainStrip{426.0f, 168.0f};
+    auto expectPlainCorners = [&] (const char* when)
+    {
+        const auto shot = capture (editor);
+        const auto plain = pixelAt (shot, editor, plainStrip);
+        for (auto corner : corners)
+        {
+            const auto seen = pixelAt (shot, editor, corner);
+            EXPECT_TRUE (looksAlike (seen, plain))
+                << when << " at " << corner.toString() << ": " << seen.toDisplayString (false) << " against "
+                << plain.toDisplayString (false);
+        }
+        return shot;
+    };
+    auto messaging = processor.getDSPInfo().meterMessaging;
+    ASSERT_NE (messaging, nullptr);
+    MeterFeeder feeder (messaging, processor.getDSPInfo().numInputs, processor.getDSPInfo().blockSize, 0.5f,
+                        -18.0f);
+    pump (600);
+    expectPlainCorners ("idle");
+
+    mouseMove (editor, frame.getCentre());
+    pump (400);
+    save (expectPlainCorners ("hovered"), "task-button-hover");
+
+    mouseDown (editor, frame.getCentre());
+    pump (150);
+    expectPlainCorners ("pressed");
+    mouseUp (editor, frame.getCentre());
+    pump (400);
+    ASSERT_EQ (editor.getWidth(), 793) << "the click opens the advanced pane";
+    save (expectPlainCorners ("after the click"), "task-button-clicked");
     processor.releaseResources();
 }
 
