@@ -217,3 +217,38 @@ TEST (HostedEditor, Vst3EditorTakesARealMouseDrag)
     editor.reset();
     pump (50);
 }
+
+// The host's program follows a factory preset chosen in the plug-in's own window:
+// a click on the toolbar's next-preset arrow moves it one on, as the preset did.
+TEST (HostedEditor, Vst3ProgramFollowsThePresetArrow)
+{
+    if (std::getenv ("DISPLAY") == nullptr)
+        GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
+    XTestMouse mouse;
+    ASSERT_TRUE (mouse.isUsable()) << "the X server has no XTEST extension";
+    auto instance = HostedPlugin::load (HostedPlugin::Format::vst3);
+    ASSERT_NE (instance, nullptr);
+    ASSERT_GT (instance->getNumPrograms(), 2);
+    instance->setCurrentProgram (1);
+    pump (300);
+    ASSERT_EQ (instance->getCurrentProgram(), 1);
+
+    std::unique_ptr<juce::AudioProcessorEditor> editor (instance->createEditorIfNeeded());
+    ASSERT_NE (editor, nullptr);
+    editor->setTopLeftPosition (60, 50);
+    editor->addToDesktop (0);
+    editor->setVisible (true);
+    editor->toFront (true);
+    pump (1500);
+
+    // The arrow right of the preset name, in the toolbar under the main pane.
+    mouse.moveTo (editor->getScreenPosition() + juce::Point<int> (293, 365));
+    mouse.button (true);
+    mouse.button (false, 500);
+    EXPECT_EQ (instance->getCurrentProgram(), 2);
+
+    mouse.moveTo ({0, 0});
+    instance->editorBeingDeleted (editor.get());
+    editor.reset();
+    pump (50);
+}
