@@ -89,4 +89,4 @@ if [ -f "$ZOLK_BUILD/docs/manual.html" ]; then
 fi
 
 printf '%s\n' "${staged[@]}" >"$record"
-echo "Installed Zolk Compressor for $USER: ~/.vst3, ~/.lv2, ~/.local/bin, ~/.local/share"
+echo "Installed Zolk Compressor for $(id -un): ~/.vst3, ~/.lv2, ~/.local/bin, ~/.local/share"

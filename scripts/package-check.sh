@@ -18,7 +18,7 @@ if [ "${1:-}" = "--system" ]; then
 fi
 deb="${1:-}"
 
-host_tests="$ZOLK_BUILD/tests/zolk_host_tests"
+host_tests="$ZOLK_BUILD/tests/zolk_host_tests_artefacts/Release/zolk_host_tests"
 [ -x "$host_tests" ] || { echo "no $host_tests: build first (bash scripts/main.sh)" >&2; exit 2; }
 if [ -z "$deb" ]; then
   out="$ZOLK_BUILD/package"
@@ -40,7 +40,9 @@ if [ "$mode" = scratch ]; then
   mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
   touch "$root/var/lib/dpkg/status" "$root/var/lib/dpkg/available"
   # The scratch root holds none of the libraries the package depends on.
-  dpkg --root="$root" $force_user --force-depends --install "$deb"
+  dpkg --root="$root" $force_user --force-depends --install "$deb" >"$root/install.log" 2>&1 ||
+    { cat "$root/install.log"; exit 1; }
+  rm "$root/install.log"
   prefix="$root/usr"
 else
   DEBIAN_FRONTEND=noninteractive apt-get install -y "$deb"
@@ -52,7 +54,8 @@ fi
 HOME="$scratch_home" \
 ZOLK_VST3_BUNDLE="$prefix/lib/vst3/Zolk Compressor.vst3" \
 ZOLK_LV2_BUNDLE="$prefix/lib/lv2/Zolk Compressor.lv2" \
-  "$host_tests" --gtest_filter='HostedPlugin*.*:HostedPrograms*.*'
+  "$host_tests" --gtest_filter='*HostedPlugin*:*HostedPrograms*:HostedVST3.*' | tee "$scratch_home/tests.log"
+grep -q '^\[  PASSED  \] [1-9]' "$scratch_home/tests.log" || { echo "no hosted test passed"; exit 1; }
 
 if [ "$mode" = scratch ]; then
   dpkg --root="$root" $force_user --purge zolk-compressor

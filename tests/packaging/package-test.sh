@@ -22,9 +22,13 @@ field() { dpkg-deb -f "$deb" "$1"; }
 [ "$(field Version)" = "$version" ] || fail "Version: $(field Version)"
 [ "$(field Architecture)" = "$(dpkg --print-architecture)" ] || fail "Architecture"
 [ "$(field Section)" = sound ] || fail "Section: $(field Section)"
-field Maintainer | grep -q '<.*@.*>' || fail "Maintainer: $(field Maintainer)"
-field Description | grep -q "compressor" || fail "Description"
-field Depends | grep -q "libc6" || fail "Depends from the binaries: $(field Depends)"
+# (Captured first: grep -q leaving a pipe early would fail it under pipefail.)
+maintainer="$(field Maintainer)"
+description="$(field Description)"
+depends="$(field Depends)"
+grep -q '<.*@.*>' <<<"$maintainer" || fail "Maintainer: $maintainer"
+grep -q "compressor" <<<"$description" || fail "Description"
+grep -q "libc6" <<<"$depends" || fail "Depends from the binaries: $depends"
 
 files="$(dpkg-deb -c "$deb" | awk '{ $1=$2=$3=$4=$5=""; print substr($0, 6) }' | sed 's/ -> .*//')"
 for f in "./usr/lib/vst3/Zolk Compressor.vst3/Contents/x86_64-linux/Zolk Compressor.so" \

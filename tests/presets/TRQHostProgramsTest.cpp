@@ -88,8 +88,9 @@ TEST_F (HostPrograms, AreTheFactoryPresetsInTheirOrderEachWithAName)
     const auto bare = ProcessorTestSupport::make();
     ASSERT_EQ (bare->getNumPrograms(), 1);
     EXPECT_EQ (bare->getProgramName (0), "Preset 1");
+    bare->getAudioParameter (2).setValueNotifyingHost (toNormalised (2, 33.0f));
     bare->setCurrentProgram (0);
-    EXPECT_FLOAT_EQ (bare->getAudioParameter (2).getRealValue(), 50.0f);
+    EXPECT_FLOAT_EQ (bare->getAudioParameter (2).getRealValue(), 33.0f);
 }
 
 TEST_F (HostPrograms, ChoosingOneActsAsThePresetBrowser)
