@@ -50,7 +50,8 @@ target_compile_definitions(ZolkCompressor
     ZOLK_MAKER_URL="${ZOLK_MAKER_URL}")
 
 # The menu's addresses and version line go to the one file that uses them, so that a
-# new stamp rebuilds that file and nothing else.
+# new stamp rebuilds that file and nothing else. Without a manuals address, "Read
+# About" opens the installed manual.
 set(zolk_stamp "${ZOLK_BUILD_STAMP}")
 if(zolk_stamp STREQUAL "")
   execute_process(COMMAND git rev-parse --short HEAD
@@ -63,7 +64,8 @@ endif()
 set_property(SOURCE "${CMAKE_CURRENT_SOURCE_DIR}/editor/TRQProductLinks.cpp" APPEND PROPERTY COMPILE_DEFINITIONS
   "ZOLK_MANUALS_URL=\"${ZOLK_MANUALS_URL}\""
   "ZOLK_PRODUCT_URL=\"${ZOLK_PRODUCT_URL}\""
-  "ZOLK_BUILD_STAMP=\"${zolk_stamp}\"")
+  "ZOLK_BUILD_STAMP=\"${zolk_stamp}\""
+  "ZOLK_INSTALL_PREFIX=\"${CMAKE_INSTALL_PREFIX}\"")
 
 include(ZolkResources)
 
@@ -93,7 +95,3 @@ target_include_directories(zolk_product SYSTEM INTERFACE
 target_compile_definitions(zolk_product INTERFACE
   "$<TARGET_PROPERTY:ZolkCompressor,COMPILE_DEFINITIONS>")
 
-# The factory presets, installed where the plug-in reads them on Linux: JUCE's common
-# application data folder (/opt), then Halvane/<plug-in number>.
-install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/presets/factory/TQPresets.json"
-        DESTINATION "/opt/Halvane/0002")

@@ -4,6 +4,7 @@
 #include "core/TRQMeterParameter.h"
 #include "dsp/HVNAbstractDSP.h"
 #include "editor/TRQAudioProcessorEditor.h"
+#include "presets/TRQHostPrograms.h"
 #include "presets/TRQPresetController.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
@@ -17,6 +18,10 @@ namespace
 {
 // Channel configurations as (inputs, outputs); the last one is the default width.
 constexpr int channelConfigurations[][2] = {{1, 1}, {1, 2}, {2, 2}};
+
+// The program the host last knew, saved beside the selected preset so that a host that
+// sets its stored program again after restoring a project finds it already current.
+const char* const hostProgramAttribute = "HostProgram";
 
 // The highest JUCE channel type that names a speaker; above it lie discrete channels.
 constexpr int highestSpeakerType = 61;
@@ -77,6 +82,10 @@ TRQAudioProcessor::TRQAudioProcessor()
     presetController->presetUuidChanged.connect (&TRQPluginState::setLastPresetRecorded, &pluginState);
     presetController->defaultChanged.connect (&TRQAudioProcessor::refreshPresetDefaults, this);
     presetController->load();
+
+    programs = std::make_unique<TRQHostPrograms> (presetController->getPresets());
+    currentProgram = programs->programOfUuid (presetController->lastUuid()).valueOr (0);
+    presetController->presetIndexChanged.connect (&TRQAudioProcessor::followSelection, this);
 
     for (int i = 0; i < numParameters; ++i)
     {
@@ -379,25 +388,110 @@ bool TRQAudioProcessor::hasEditor() const
     return true;
 }
 
+template<typename Callable>
+void TRQAudioProcessor::onMessageThread (Callable&& callable)
+{
+    auto* messages = juce::MessageManager::getInstanceWithoutCreating();
+    if (messages == nullptr || messages->isThisTheMessageThread())
+    {
+        callable();
+        return;
+    }
+    juce::MessageManager::callAsync (
+        [weak = juce::WeakReference<TRQAudioProcessor> (this), callable = std::forward<Callable> (callable)]
+        {
+            if (weak != nullptr)
+                callable();
+        });
+}
+
 int TRQAudioProcessor::getNumPrograms()
 {
-    return 1;
+    return programs->size();
 }
 int TRQAudioProcessor::getCurrentProgram()
 {
-    return 0;
+    return currentProgram;
 }
-void TRQAudioProcessor::setCurrentProgram (int) {}
-const juce::String TRQAudioProcessor::getProgramName (int)
+
+const juce::String TRQAudioProcessor::getProgramName (int program)
 {
-    return {};
+    return programs->name (program);
 }
+
+// Factory presets are read-only.
 void TRQAudioProcessor::changeProgramName (int, const juce::String&) {}
+
+void TRQAudioProcessor::setCurrentProgram (int program)
+{
+    // Hosts set their stored program again right after restoring a project: the
+    // restored state already has it, and its settings must stay.
+    if (!juce::isPositiveAndBelow (program, programs->size()) || program == currentProgram)
+        return;
+    onMessageThread ([this, program] { applyProgram (program); });
+}
+
+void TRQAudioProcessor::applyProgram (int program)
+{
+    const auto preset = presetController->indexOfUuid (programs->uuid (program));
+    const auto* editor = dynamic_cast<TRQAudioProcessorEditor*> (getActiveEditor());
+    if (!preset || (editor != nullptr && editor->getModalState() == 2))
+    {
+        // No such preset here, or a preset form is open on the present settings: they
+        // stay, and the host hears, once its own call has returned, that the program
+        // didn't change.
+        juce::MessageManager::callAsync (
+            [weak = juce::WeakReference<TRQAudioProcessor> (this)]
+            {
+                if (weak != nullptr)
+                    weak->updateHostDisplay (ChangeDetails().withProgramChanged (true));
+            });
+        return;
+    }
+    currentProgram = program;
+    // As the preset browser does it: one step of history, the name and modified flag follow.
+    presetController->selectPreset (preset.value, true, true);
+}
+
+void TRQAudioProcessor::followSelection (unsigned presetIndex)
+{
+    if (restoringSelection)
+        return;
+    const auto preset = presetController->getPreset (presetIndex);
+    const auto program = preset ? programs->programOfUuid (preset.value.uuid) : HVNChecked<int>();
+    if (!program || program.value == currentProgram)
+        return;
+    currentProgram = program.value;
+    updateHostDisplay (ChangeDetails().withProgramChanged (true));
+}
+
+void TRQAudioProcessor::restoreProgram (const juce::XmlElement* restoredState)
+{
+    // The saved program wins; a state saved without one takes the restored preset's.
+    const auto uuid = pluginState.getAttribute (TRQPluginState::lastPresetAttribute);
+    if (restoredState != nullptr && restoredState->hasAttribute (hostProgramAttribute))
+        currentProgram =
+            juce::jlimit (0, programs->size() - 1, restoredState->getIntAttribute (hostProgramAttribute));
+    else if (const auto program = programs->programOfUuid (uuid))
+        currentProgram = program.value;
+
+    // The preset list's selection and modified flag follow the restored settings,
+    // without applying anything and without moving the host's program.
+    onMessageThread (
+        [this]
+        {
+            const juce::ScopedValueSetter<bool> restoring (restoringSelection, true);
+            presetController->reload();
+            presetController->updateModified ({}, {});
+        });
+}
 
 void TRQAudioProcessor::getStateInformation (juce::MemoryBlock& destination)
 {
     juce::XmlElement root ("MYPLUGINSETTINGS");
-    root.addChildElement (new juce::XmlElement (pluginState.getElement()));
+    auto* state = new juce::XmlElement (pluginState.getElement());
+    state->setAttribute (hostProgramAttribute, currentProgram.load());
+    root.addChildElement (state);
     for (int i = 0; i < numParameters; ++i)
         root.setAttribute ("_" + juce::String (i), parameters[static_cast<size_t> (i)]->getValue());
     if (isAAX())
@@ -439,6 +533,7 @@ void TRQAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
                 parameter->setValue (static_cast<float> (value));
                 parameter->sendValueChangedMessageToListeners (parameter->getValue());
             }
+            restoreProgram (restored);
         }
     }
 

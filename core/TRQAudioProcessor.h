@@ -9,11 +9,13 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <array>
+#include <atomic>
 #include <memory>
 
 class HVNPublicDSP;
 class MeterMessaging;
 class TRQAudioParameter;
+class TRQHostPrograms;
 class TRQParameterManager;
 class TRQPresetController;
 class TRQUndoManager;
@@ -117,6 +119,13 @@ private:
     void applyLayoutDefaults (int ins, int outs);
     void setDefaultParameterValues();
     void refreshPresetDefaults();
+    // Programs: the host's current one follows a factory preset selected in the
+    // editor, and a restored state brings back the one it was saved with.
+    void followSelection (unsigned presetIndex);
+    void applyProgram (int program);
+    void restoreProgram (const juce::XmlElement* restoredState);
+    template<typename Callable>
+    void onMessageThread (Callable&& callable);
     bool isAAX() const { return wrapperType == wrapperType_AAX; }
 
     std::shared_ptr<HVNPublicDSP> dsp;
@@ -129,9 +138,13 @@ private:
     std::unique_ptr<TRQUndoManager> undoManager;
     std::unique_ptr<TRQParameterManager> parameterManager;
     std::shared_ptr<TRQPresetController> presetController;
+    std::unique_ptr<TRQHostPrograms> programs;
+    std::atomic<int> currentProgram{0};
+    bool restoringSelection = false;
 
     DSPInfo dspInfo;
     TransportInfo transportInfo;
 
+    JUCE_DECLARE_WEAK_REFERENCEABLE (TRQAudioProcessor)
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TRQAudioProcessor)
 };

@@ -12,6 +12,14 @@
 #ifndef ZOLK_BUILD_STAMP
 #define ZOLK_BUILD_STAMP "dev"
 #endif
+#ifndef ZOLK_INSTALL_PREFIX
+#define ZOLK_INSTALL_PREFIX "/usr/local"
+#endif
+
+namespace
+{
+const char* const manualInPrefix = "share/doc/zolk-compressor/manual.html";
+}
 
 namespace TRQProductLinks
 {
@@ -27,8 +35,30 @@ juce::String productPageUrl()
 
 juce::String manualUrl (int parameterIndex)
 {
+    return manualUrl (parameterIndex, ZOLK_MANUALS_URL);
+}
+
+juce::String manualUrl (int parameterIndex, const juce::String& manualsPage)
+{
     const auto& row = ParameterCatalogue::row (static_cast<ParameterId> (parameterIndex));
-    return juce::String (ZOLK_MANUALS_URL) + "#" + juce::String::fromUTF8 (row.identifier.c_str());
+    const auto page = manualsPage.isNotEmpty() ? manualsPage : juce::URL (installedManual()).toString (false);
+    return page + "#" + juce::String::fromUTF8 (row.identifier.c_str());
+}
+
+juce::File installedManual()
+{
+    // The plug-in's binary lies a few folders below its prefix: bin/, lib/lv2/<bundle>/,
+    // lib/vst3/<bundle>/Contents/<architecture>/.
+    auto folder = juce::File::getSpecialLocation (juce::File::currentExecutableFile).getParentDirectory();
+    for (int up = 0; up < 6 && folder != folder.getParentDirectory();
+         ++up, folder = folder.getParentDirectory())
+        if (const auto manual = folder.getChildFile (manualInPrefix); manual.existsAsFile())
+            return manual;
+
+    const auto user = juce::File::getSpecialLocation (juce::File::userHomeDirectory).getChildFile (".local");
+    if (const auto manual = user.getChildFile (manualInPrefix); manual.existsAsFile())
+        return manual;
+    return juce::File (ZOLK_INSTALL_PREFIX).getChildFile (manualInPrefix);
 }
 
 juce::String buildStamp()

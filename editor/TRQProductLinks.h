@@ -16,7 +16,14 @@ Launcher defaultLauncher();
 
 juce::String productPageUrl();
 // The manual's section of one parameter: the manuals page, "#" and its identifier.
+// A build without a manuals page opens the installed copy of the manual instead.
 juce::String manualUrl (int parameterIndex);
+// The same for a given manuals page; an empty one means the installed copy.
+juce::String manualUrl (int parameterIndex, const juce::String& manualsPage);
+
+// The installed HTML manual: under the install prefix of the running plug-in or
+// program, in the user's ~/.local, or where this build installs it.
+juce::File installedManual();
 
 juce::String buildStamp();
 // Product name and version, " (", build stamp, ")".

@@ -44,6 +44,8 @@ struct PresetFileRef
 {
     std::uint32_t kind = PresetKind::user;
     juce::String path;
+    // A missing factory file reads as the factory presets built into the plug-in.
+    bool builtInFallback = false;
 
     juce::File file() const;
 };

@@ -148,7 +148,7 @@ void TRQPresetController::loadPresets()
     const int ins = processor.asAudioProcessor().getMainBusNumInputChannels();
     const int outs = processor.asAudioProcessor().getMainBusNumOutputChannels();
     for (const auto& ref : files)
-        TRQPresetFiles::read (ref.file(), ref.kind, ins, outs, contents);
+        TRQPresetFiles::read (ref, ins, outs, contents);
     sections = std::move (contents.sections);
     presets = std::move (contents.presets);
 

@@ -3,6 +3,8 @@
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 
+#include "BinaryData.h"
+
 #include <charconv>
 #include <cmath>
 #include <mutex>
@@ -76,7 +78,8 @@ Locations standardLocations()
     const auto documents = juce::File::getSpecialLocation (juce::File::userDocumentsDirectory);
     const auto common = juce::File::getSpecialLocation (juce::File::commonApplicationDataDirectory);
     return {documents.getChildFile ("Halvane/HvnUserPresets.json"),
-            common.getChildFile ("Halvane").getChildFile (pluginNumber()).getChildFile ("TQPresets.json")};
+            common.getChildFile ("Halvane").getChildFile (pluginNumber()).getChildFile ("TQPresets.json"),
+            true};
 }
 
 Locations locations()
@@ -101,13 +104,27 @@ std::vector<PresetFileRef> fileRefs()
 {
     const auto where = locations();
     return {{PresetKind::user, where.user.getFullPathName()},
-            {PresetKind::factory, where.factory.getFullPathName()}};
+            {PresetKind::factory, where.factory.getFullPathName(), where.builtInFactory}};
 }
 
 void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents)
 {
     if (file.existsAsFile())
         readText (file.loadFileAsString().toStdString(), kind, inputs, outputs, contents);
+}
+
+void read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents)
+{
+    const auto file = ref.file();
+    if (ref.builtInFallback && !file.existsAsFile())
+        readText (builtInFactoryText(), ref.kind, inputs, outputs, contents);
+    else
+        read (file, ref.kind, inputs, outputs, contents);
+}
+
+std::string builtInFactoryText()
+{
+    return std::string (BinaryData::TQPresets_json, static_cast<size_t> (BinaryData::TQPresets_jsonSize));
 }
 
 void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents)

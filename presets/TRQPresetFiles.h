@@ -17,9 +17,13 @@ struct Locations
 {
     juce::File user;
     juce::File factory;
+    // Whether the factory presets built into the plug-in stand in for a factory file
+    // that isn't there, as on a machine where nothing was installed yet.
+    bool builtInFactory = false;
 };
 
-// Documents/Halvane/HvnUserPresets.json and <common data>/Halvane/0002/TQPresets.json.
+// Documents/Halvane/HvnUserPresets.json and <common data>/Halvane/0002/TQPresets.json,
+// with the built-in factory presets behind the latter.
 Locations standardLocations();
 
 // Where this process reads and writes presets: the standard places unless replaced.
@@ -45,6 +49,11 @@ struct Contents
 // leaves out (inputs, outputs) are skipped, and so are sections left empty. A missing
 // file is empty; a damaged one adds what it held before the damage.
 void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+// The same for a file of the list, or for the built-in factory presets when the file
+// is missing and the reference falls back on them.
+void read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents);
+// The factory file as it was built into the plug-in.
+std::string builtInFactoryText();
 // The same for the text of a file.
 void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents);
 

@@ -434,3 +434,20 @@ TEST_F (PopupMenuHandler, PresetEntriesFollowTheSelection)
     ed.closeModal (1);
     EXPECT_FLOAT_EQ (amount.getRealValue(), mine);
 }
+
+// Without a manuals page "Read About" opens the installed manual, at a section the
+// manual really has for every parameter; the package's version is the catalogue's.
+TEST (ProductLinks, ReadAboutFindsEachParametersSectionInTheManual)
+{
+    const auto manual = juce::File (ZOLK_SOURCE_DIR).getChildFile ("docs/manual.md").loadFileAsString();
+    for (const auto& row : ParameterCatalogue::rows())
+    {
+        const auto identifier = juce::String (row.identifier);
+        EXPECT_TRUE (manual.contains ("<a id=\"" + identifier + "\"></a>")) << identifier;
+        const auto local = TRQProductLinks::manualUrl (static_cast<int> (row.id), {});
+        EXPECT_TRUE (local.startsWith ("file:///") && local.endsWith ("/manual.html#" + identifier)) << local;
+        EXPECT_EQ (TRQProductLinks::manualUrl (static_cast<int> (row.id), "https://example.org/m"),
+                   "https://example.org/m#" + identifier);
+    }
+    EXPECT_EQ (ParameterCatalogue::product().version, ZOLK_VERSION);
+}

@@ -94,16 +94,53 @@ private:
     Display* display;
     bool usable = false;
 };
+// The plug-in's window on screen and in front, given time for its first frames.
+std::unique_ptr<juce::AudioProcessorEditor> showEditor (juce::AudioPluginInstance& instance,
+                                                        juce::Point<int> at)
+{
+    std::unique_ptr<juce::AudioProcessorEditor> editor (instance.createEditorIfNeeded());
+    if (editor != nullptr)
+    {
+        editor->setTopLeftPosition (at);
+        editor->addToDesktop (0);
+        editor->setVisible (true);
+        editor->toFront (true);
+        pump (1500);
+    }
+    return editor;
+}
+
+// Closes the window as a host does.
+void closeEditor (juce::AudioPluginInstance& instance, std::unique_ptr<juce::AudioProcessorEditor>& editor)
+{
+    instance.editorBeingDeleted (editor.get());
+    editor.reset();
+    pump (50);
+}
 } // namespace
+
+// Each test opens the VST3 in a real window on the X server, which the X server's
+// own pointer can reach.
+class HostedEditor : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (std::getenv ("DISPLAY") == nullptr)
+            GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
+        ASSERT_TRUE (mouse.isUsable()) << "the X server has no XTEST extension";
+        instance = HostedPlugin::load (HostedPlugin::Format::vst3);
+        ASSERT_NE (instance, nullptr);
+    }
+
+    XTestMouse mouse;
+    std::unique_ptr<juce::AudioPluginInstance> instance;
+};
 
 // The VST3 opened by a JUCE host in a real window: the panel is painted, and a
 // change made by the host reaches it.
-TEST (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
+TEST_F (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
 {
-    if (std::getenv ("DISPLAY") == nullptr)
-        GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-    auto instance = HostedPlugin::load (HostedPlugin::Format::vst3);
-    ASSERT_NE (instance, nullptr);
     auto* power = HostedPlugin::parameterNamed (*instance, "Master On/Off");
     ASSERT_NE (power, nullptr);
     const double start = juce::Time::getMillisecondCounterHiRes();
@@ -151,27 +188,16 @@ TEST (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
 // A real mouse drag inside the hosted VST3's own window: the X server delivers it to
 // the plug-in's window, the plug-in's fader moves, and the host hears the gesture
 // and the new value.
-TEST (HostedEditor, Vst3EditorTakesARealMouseDrag)
+TEST_F (HostedEditor, Vst3EditorTakesARealMouseDrag)
 {
-    if (std::getenv ("DISPLAY") == nullptr)
-        GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-    XTestMouse mouse;
-    ASSERT_TRUE (mouse.isUsable()) << "the X server has no XTEST extension";
-    auto instance = HostedPlugin::load (HostedPlugin::Format::vst3);
-    ASSERT_NE (instance, nullptr);
     auto* compression = HostedPlugin::parameterNamed (*instance, "Compression Amount");
     ASSERT_NE (compression, nullptr);
     compression->setValueNotifyingHost (0.5f);
     ParameterWatcher watcher;
     compression->addListener (&watcher);
 
-    std::unique_ptr<juce::AudioProcessorEditor> editor (instance->createEditorIfNeeded());
+    auto editor = showEditor (*instance, {60, 50});
     ASSERT_NE (editor, nullptr);
-    editor->setTopLeftPosition (60, 50);
-    editor->addToDesktop (0);
-    editor->setVisible (true);
-    editor->toFront (true);
-    pump (1500);
     ASSERT_GE (editor->getWidth(), 457);
 
     // The Compress fader's thumb at 50 %, in the window at 100 %: a drag of 60
@@ -213,7 +239,35 @@ TEST (HostedEditor, Vst3EditorTakesARealMouseDrag)
 
     mouse.moveTo ({0, 0});
     compression->removeListener (&watcher);
-    instance->editorBeingDeleted (editor.get());
-    editor.reset();
-    pump (50);
+    closeEditor (*instance, editor);
+}
+
+// The host's program follows a factory preset chosen in the plug-in's own window:
+// a click on the toolbar's next-preset arrow moves it one on, as the preset did.
+TEST_F (HostedEditor, Vst3ProgramFollowsThePresetArrow)
+{
+    ASSERT_GT (instance->getNumPrograms(), 2);
+    // Program 1 ("Clean Compressor") takes the Lo-Fi Amount to 0; the plug-in applies it
+    // on its own message thread.
+    auto* lofi = HostedPlugin::parameterNamed (*instance, "Lo-Fi Amount");
+    ASSERT_NE (lofi, nullptr);
+    instance->setCurrentProgram (1);
+    for (int i = 0; i < 100 && lofi->getValue() > 0.0f; ++i)
+        pump (30);
+    ASSERT_EQ (lofi->getValue(), 0.0f);
+    ASSERT_EQ (instance->getCurrentProgram(), 1);
+
+    auto editor = showEditor (*instance, {60, 50});
+    ASSERT_NE (editor, nullptr);
+
+    // The arrow right of the preset name, in the toolbar under the main pane.
+    mouse.moveTo (editor->getScreenPosition() + juce::Point<int> (293, 365));
+    mouse.button (true);
+    mouse.button (false, 300);
+    for (int i = 0; i < 100 && instance->getCurrentProgram() != 2; ++i)
+        pump (30);
+    EXPECT_EQ (instance->getCurrentProgram(), 2);
+
+    mouse.moveTo ({0, 0});
+    closeEditor (*instance, editor);
 }

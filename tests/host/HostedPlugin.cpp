@@ -2,8 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace HostedPlugin
 {
+namespace
+{
+// The bundles this build made, unless the environment names installed ones
+// (scripts/package-check.sh loads those of the Debian package).
+juce::String bundle (const char* variable, const char* built)
+{
+    const char* installed = std::getenv (variable);
+    return installed != nullptr && *installed != 0 ? juce::String (installed) : juce::String (built);
+}
+} // namespace
+
 const char* formatName (Format format)
 {
     return format == Format::vst3 ? "VST3" : "LV2";
@@ -17,13 +30,13 @@ std::unique_ptr<juce::AudioPluginInstance> load (Format format, double sampleRat
     if (format == Format::vst3)
     {
         pluginFormat = std::make_unique<juce::VST3PluginFormat>();
-        pluginFormat->findAllTypesForFile (types, ZOLK_VST3_BUNDLE);
+        pluginFormat->findAllTypesForFile (types, bundle ("ZOLK_VST3_BUNDLE", ZOLK_VST3_BUNDLE));
     }
     else
     {
         pluginFormat = std::make_unique<juce::LV2PluginFormat>();
         const juce::FileSearchPath bundles (
-            juce::File (ZOLK_LV2_BUNDLE).getParentDirectory().getFullPathName());
+            juce::File (bundle ("ZOLK_LV2_BUNDLE", ZOLK_LV2_BUNDLE)).getParentDirectory().getFullPathName());
         pluginFormat->searchPathsForPlugins (bundles, false, false);
         pluginFormat->findAllTypesForFile (types, ZOLK_LV2_URI);
     }
