@@ -427,7 +427,9 @@ void TRQAudioProcessorEditor::setUserScale (int percent)
 
 void TRQAudioProcessorEditor::applyBoundsToComponent (juce::Component&, juce::Rectangle<int> bounds)
 {
-    const int percent = TRQEditorSize::percentForWidth (bounds.getWidth(), advancedPaneOpen, hostScaleFactor);
+    const int percent =
+        std::min (TRQEditorSize::percentForWidth (bounds.getWidth(), advancedPaneOpen, hostScaleFactor),
+                  TRQUserPrefs::UIScalePref::largest);
     // A drag passes many sizes; the file is written only when the percentage moves.
     if (percent != prefs.uiScale.get())
         prefs.uiScale.set (percent);

@@ -12,22 +12,9 @@ namespace TRQSharedFile
 {
 namespace
 {
-// How long a change waits for another program to finish its own.
-constexpr int lockWaitMs = 5000;
-
 juce::Result isReadOnly (const juce::File& file)
 {
     return juce::Result::fail (file.getFileName() + " is Read-Only");
-}
-
-juce::Result folderIsReadOnly (const juce::File& file)
-{
-    return juce::Result::fail ("The Folder of " + file.getFileName() + " is Read-Only");
-}
-
-juce::Result belongsToAnotherUser (const juce::File& file)
-{
-    return juce::Result::fail (file.getFileName() + " Belongs to Another User");
 }
 
 juce::Result isAFolder (const juce::File& file)
@@ -50,14 +37,28 @@ juce::Result cantBeWritten (const juce::File& file)
     return juce::Result::fail (file.getFileName() + " Can't be Written");
 }
 
-juce::Result isBusy (const juce::File& file)
-{
-    return juce::Result::fail (file.getFileName() + " is Busy in Another Program");
-}
-
 juce::Result folderCantBeMade (const juce::File& file)
 {
     return juce::Result::fail ("The Folder of " + file.getFileName() + " Can't be Made");
+}
+
+#if !JUCE_WINDOWS
+// How long a change waits for another program to finish its own.
+constexpr int lockWaitMs = 5000;
+
+juce::Result folderIsReadOnly (const juce::File& file)
+{
+    return juce::Result::fail ("The Folder of " + file.getFileName() + " is Read-Only");
+}
+
+juce::Result belongsToAnotherUser (const juce::File& file)
+{
+    return juce::Result::fail (file.getFileName() + " Belongs to Another User");
+}
+
+juce::Result isBusy (const juce::File& file)
+{
+    return juce::Result::fail (file.getFileName() + " is Busy in Another Program");
 }
 
 // The file a link names, link after link; the file itself when it is none.
@@ -69,7 +70,6 @@ juce::File resolved (const juce::File& file)
     return target;
 }
 
-#if !JUCE_WINDOWS
 juce::Result writeProblem (const juce::File& file, int error)
 {
     switch (error)
@@ -179,8 +179,12 @@ juce::Result replace (const juce::File& target, const std::string& text)
     {
         if (old.st_uid != ::geteuid() && ::fchown (fd, old.st_uid, old.st_gid) != 0)
             return fail (belongsToAnotherUser (target));
-        if (old.st_uid == ::geteuid() && old.st_gid != ::getegid()) [[maybe_unused]]
-            const auto ignored = ::fchown (fd, static_cast<uid_t> (-1), old.st_gid);
+        // Our own file keeps its group where we are in it; elsewhere it takes ours.
+        if (old.st_uid == ::geteuid() && old.st_gid != ::getegid())
+        {
+            const bool keptGroup = ::fchown (fd, static_cast<uid_t> (-1), old.st_gid) == 0;
+            juce::ignoreUnused (keptGroup);
+        }
         if (::fchmod (fd, old.st_mode & 07777) != 0)
             return fail (cantBeWritten (target));
     }

@@ -159,12 +159,19 @@ struct AlwaysOpenAdvPanePref : EnumPref<AlwaysOpenAdvPane, 0>
     std::string key() const override { return "AlwaysOpenAdvPane"; }
 };
 
-// The window scale in percent, stored as it is.
+// The window scale in percent, stored as it is. A number no window could have (below
+// the smallest size, or a window ten times the standard one) gives the default.
 struct UIScalePref : Pref<int, int>
 {
+    static constexpr int smallest = 80;
+    static constexpr int largest = 1000;
+
     int defaultValue() const override { return 100; }
     std::string key() const override { return "UIScale"; }
-    int fromStored (int stored) const override { return stored; }
+    int fromStored (int stored) const override
+    {
+        return stored >= smallest && stored <= largest ? stored : defaultValue();
+    }
     int toStored (int v) const override { return v; }
 };
 

@@ -78,7 +78,15 @@ TEST_F (UserPrefsTest, LoadingWritesOnlyWhatHeals)
 
 TEST_F (UserPrefsTest, UnknownValuesHealThemselves)
 {
-    store ({{"Metering", 7}, {"Language", "Klingon"}, {"DarkMode", 1}, {"Scrolling", "yes"}});
+    store ({{"Metering", 7},
+            {"Language", "Klingon"},
+            {"DarkMode", 1},
+            {"Scrolling", "yes"},
+            {"UIScale", 100000}});
+    TRQUserPrefs::UIScalePref scale;
+    scale.load();
+    EXPECT_EQ (scale.get(), 100) << "no window is a thousand times wider";
+    EXPECT_EQ (stored()["UIScale"], 100);
     TRQUserPrefs::MeteringPref metering;
     TRQUserPrefs::LanguagePref language;
     TRQUserPrefs::DarkModePref darkMode;
