@@ -353,12 +353,16 @@ void TRQPresetController::updateModified (HVNChecked<std::uint32_t> id, HVNCheck
 
 juce::Result TRQPresetController::refresh()
 {
+    // Only a file that can't be read, or isn't JSON, would empty the user's part of
+    // the list; a damaged entry costs what it spoils, as on any load.
     std::string text;
-    TRQPresetFiles::Contents contents;
     const auto user = userFile();
     auto result = TRQSharedFile::read (user, text);
-    if (result.wasOk())
+    if (result.wasOk() && !nlohmann::json::accept (text))
+    {
+        TRQPresetFiles::Contents contents;
         result = TRQPresetFiles::readText (text, user.getFileName(), PresetKind::user, 0, 0, contents);
+    }
     if (result.failed())
         return result;
     loadPresets();

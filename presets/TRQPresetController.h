@@ -93,9 +93,9 @@ public:
 
     // Why the user file was not read whole at the last load, or empty.
     const juce::String& getUserFileProblem() const { return userFileProblem; }
-    // Reads the files again when the user file reads cleanly, so that a decision sees
-    // what other instances wrote meanwhile; otherwise leaves everything as it is and
-    // says why.
+    // Reads the files again, so that a decision sees what other instances wrote
+    // meanwhile; a user file that can't be read or isn't JSON leaves everything as it
+    // is, and the result says why.
     juce::Result refresh();
 
 private:

@@ -555,6 +555,7 @@ TEST_F (PresetControllerTest, AChangeThatCannotBeWrittenChangesNothing)
         const char* what;
         std::function<void()> spoil, mend;
         const char* problem;
+        bool unreadable = false;
     };
     const std::vector<Case> cases{
         {"read-only file", [&] { chmod (user, 0444); }, [&] { chmod (user, 0644); },
@@ -567,9 +568,9 @@ TEST_F (PresetControllerTest, AChangeThatCannotBeWrittenChangesNothing)
              user.deleteFile();
              user.createDirectory();
          },
-         [&] { user.deleteRecursively(); }, "HvnUserPresets.json is a Folder, Not a File"},
+         [&] { user.deleteRecursively(); }, "HvnUserPresets.json is a Folder, Not a File", true},
         {"syntax error", [&] { user.replaceWithText ("{\n    \"0002\": {,\n}"); }, [] {},
-         "Error at Line 2 of HvnUserPresets.json"},
+         "Error at Line 2 of HvnUserPresets.json", true},
         {"presets of another form",
          [&]
          { user.replaceWithText (R"({"0002": {"sections": [{"section": "User", "presets": {"0": {}}}]}})"); },
@@ -591,6 +592,15 @@ TEST_F (PresetControllerTest, AChangeThatCannotBeWrittenChangesNothing)
         EXPECT_EQ (user.getParentDirectory().getNumberOfChildFiles (juce::File::findFilesAndDirectories, "*"),
                    1)
             << c.what << ": no file was left behind";
+        // Looking again before a decision leaves the list when the file can't be read
+        // at all; a file that reads is listed anew.
+        const auto refreshed = controller->refresh();
+        EXPECT_EQ (refreshed.failed(), c.unreadable) << c.what;
+        if (c.unreadable)
+        {
+            EXPECT_EQ (refreshed.getErrorMessage(), c.problem);
+            EXPECT_TRUE (seen() == before) << c.what;
+        }
         c.mend();
     }
 }
