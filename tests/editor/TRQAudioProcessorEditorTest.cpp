@@ -108,9 +108,13 @@ TEST (TRQAudioProcessorEditor, DarkModeAndLanguageAreStored)
         // Asemic shows the English panel.
         EXPECT_EQ (editor->getLayout().getLanguage(), TRQLanguage::English);
     }
+    // Kept compact, which no write of ours is.
+    const juce::String stored (prefs.stored().dump());
+    prefs.file().replaceWithText (stored);
     auto next = makeEditor (*processor);
     EXPECT_EQ (next->getLayout().getStyle(), 1);
     EXPECT_EQ (next->getPreferences().language.get(), TRQLanguage::Asemic);
+    EXPECT_EQ (prefs.file().loadFileAsString(), stored) << "opening wrote nothing";
 }
 
 TEST (TRQAudioProcessorEditor, GesturesBecomeUndoSteps)
