@@ -1,6 +1,7 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "state/TRQUserPrefs.h"
 
 #include <benchmark/benchmark.h>
 
@@ -8,11 +9,19 @@
 // tree, the clipboard check and the ten language names read from the drawing.
 namespace
 {
+// The editor reads and writes preferences: a file of the run's own, not the user's.
+struct PreferencesOfOurOwn
+{
+    PreferencesOfOurOwn() { TRQUserPrefs::Store::setFile (file.getFile()); }
+    juce::TemporaryFile file{".json"};
+};
+
 struct MenuFixture
 {
     juce::ScopedJuceInitialiser_GUI gui;
+    PreferencesOfOurOwn preferences;
     TRQAudioProcessor processor;
-    TRQAudioProcessorEditor editor{processor, std::make_shared<TRQMemoryPreferenceSource>()};
+    TRQAudioProcessorEditor editor{processor};
 
     MenuFixture()
     {

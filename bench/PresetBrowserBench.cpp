@@ -65,4 +65,9 @@ void presetBrowserReloadAndRebuild (benchmark::State& state)
 } // namespace
 
 BENCHMARK (presetBrowserRebuild)->Arg (10)->Arg (100)->Arg (1000)->Unit (benchmark::kMicrosecond);
-BENCHMARK (presetBrowserReloadAndRebuild)->Arg (10)->Arg (100)->Arg (1000)->Unit (benchmark::kMicrosecond);
+BENCHMARK (presetBrowserReloadAndRebuild)
+    ->Arg (10)
+    ->Arg (100)
+    ->Arg (1000)
+    ->Arg (10000)
+    ->Unit (benchmark::kMicrosecond);

@@ -56,12 +56,11 @@ std::shared_ptr<TRQControl> makeControl (int index, TRQAudioParameter& parameter
 }
 } // namespace
 
-TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
-                                                  std::shared_ptr<TRQPreferenceSource> source)
+TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p)
     : juce::AudioProcessorEditor (p)
     , processor (p)
-    , prefs (source != nullptr ? source : TRQEditorPreferences::sharedSource())
-    , lookAndFeel (prefs.fontSource == 1)
+    , prefs (TRQUserPrefs::EditorPrefs::loaded())
+    , lookAndFeel (prefs.fontSource.get() == TRQUserPrefs::FontSource::System)
     , gl (std::make_unique<TRQEditorGLState> (openGLContext))
     , drawing (TRQDrawing::get())
     , gestures (std::make_unique<TRQParameterGestures> (p))
@@ -69,7 +68,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
     presetController = p.getPresetController();
     setLookAndFeel (&lookAndFeel);
     juce::LookAndFeel::setDefaultLookAndFeel (&lookAndFeel);
-    lookAndFeel.setStyle (prefs.darkMode);
+    lookAndFeel.setStyle ((int)prefs.darkMode.get());
 
     addAndMakeVisible (root);
     root.addAndMakeVisible (layout);
@@ -86,17 +85,18 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
     transientValue = std::make_shared<TRQTransientValueView>();
     root.addChild (transientValue, false);
 
-    gl->darkMode.publish (prefs.darkMode);
-    gl->metering.publish (prefs.metering);
-    layout.setStyle (prefs.darkMode);
-    layout.setLanguage (TRQLanguage::drawingLanguage (prefs.language));
+    gl->darkMode.publish ((int)prefs.darkMode.get());
+    gl->metering.publish ((int)prefs.metering.get());
+    layout.setStyle ((int)prefs.darkMode.get());
+    layout.setLanguage (TRQLanguage::drawingLanguage (prefs.language.get()));
     for (auto& control : controls)
         if (control != nullptr)
-            control->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language), prefs.darkMode);
-    hud->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language), prefs.darkMode);
+            control->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language.get()),
+                                          (int)prefs.darkMode.get());
+    hud->setLanguageAndStyle (TRQLanguage::drawingLanguage (prefs.language.get()), (int)prefs.darkMode.get());
 
     const bool open =
-        prefs.alwaysOpenAdvPane ||
+        prefs.alwaysOpenAdvPane.get() == TRQUserPrefs::AlwaysOpenAdvPane::On ||
         processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "1" ||
         processor.getPluginState().getAttribute (TRQPluginState::advancedPaneAttribute) == "true";
     setAdvancedPaneOpen (open, true);
@@ -113,7 +113,7 @@ TRQAudioProcessorEditor::TRQAudioProcessorEditor (TRQAudioProcessor& p,
         if (controls[i] != nullptr)
             controls[i]->setLocked (locks[i]);
 
-    setWantsKeyboardFocus (!prefs.doubleClickKeyEntry);
+    setWantsKeyboardFocus (prefs.doubleClickKeyEntry.get() == TRQUserPrefs::DoubleClickKeyEntry::Off);
     setFocusContainerType (FocusContainerType::keyboardFocusContainer);
     setResizable (true, true);
     setConstrainer (this);
@@ -177,8 +177,9 @@ void TRQAudioProcessorEditor::createChildren()
             juce::Rectangle<float> (row.frame.x, row.frame.y, row.frame.width, row.frame.height)
                 .translated (-(float)pane->getX(), -(float)pane->getY())
                 .toNearestInt());
-        control->setScrollEnabled (prefs.scrolling);
-        control->setDoubleClickKeyEntry (prefs.doubleClickKeyEntry);
+        control->setScrollEnabled (prefs.scrolling.get() == TRQUserPrefs::Scrolling::On);
+        control->setDoubleClickKeyEntry (prefs.doubleClickKeyEntry.get() ==
+                                         TRQUserPrefs::DoubleClickKeyEntry::On);
         pane->addChild (control, true);
         controls[(size_t)i] = control;
     }
@@ -187,13 +188,13 @@ void TRQAudioProcessorEditor::createChildren()
 
     toolbar = std::make_shared<TRQToolbar>();
     toolbar->setBounds (0, 350, 395, 30);
-    toolbar->setStyle (prefs.darkMode);
+    toolbar->setStyle ((int)prefs.darkMode.get());
     toolbar->pressed.connect (&TRQAudioProcessorEditor::toolbarPressed, this);
     root.addAndMakeVisible (*toolbar);
 
     presetView = std::make_shared<TRQPresetView> (presetController);
     presetView->setBounds (0, 0, 395, 350);
-    presetView->setStyle (prefs.darkMode);
+    presetView->setStyle ((int)prefs.darkMode.get());
     presetView->closeSignal.connect (this, [this] { closeModal (1); });
     presetView->modalSignal.connect (this, [this] (int state, const TRQModalViewer::ModalSettings& settings)
                                      { openModal (state, true, settings); });
@@ -414,19 +415,24 @@ void TRQAudioProcessorEditor::setScaleFactor (float newScale)
 {
     if (newScale != hostScaleFactor)
         hostScaleFactor = newScale;
-    applySize ((float)prefs.uiScale * 0.01f);
+    applySize ((float)prefs.uiScale.get() * 0.01f);
 }
 
 void TRQAudioProcessorEditor::setUserScale (int percent)
 {
-    prefs.setUIScale (percent);
+    if (percent != prefs.uiScale.get())
+        prefs.uiScale.set (percent);
     applySize ((float)percent * 0.01f);
 }
 
 void TRQAudioProcessorEditor::applyBoundsToComponent (juce::Component&, juce::Rectangle<int> bounds)
 {
-    const int percent = TRQEditorSize::percentForWidth (bounds.getWidth(), advancedPaneOpen, hostScaleFactor);
-    prefs.setUIScale (percent);
+    const int percent =
+        std::min (TRQEditorSize::percentForWidth (bounds.getWidth(), advancedPaneOpen, hostScaleFactor),
+                  TRQUserPrefs::UIScalePref::largest);
+    // A drag passes many sizes; the file is written only when the percentage moves.
+    if (percent != prefs.uiScale.get())
+        prefs.uiScale.set (percent);
     applySize ((float)percent * 0.01f);
 }
 
@@ -523,7 +529,7 @@ void TRQAudioProcessorEditor::setAdvancedPaneOpen (bool open, bool force)
         root.setBounds (0, 0, TRQEditorSize::canvasWidth, TRQEditorSize::canvasHeight);
         processor.getPluginState().setAdvancedPaneIsOpen (true);
     }
-    applySize ((float)prefs.uiScale * 0.01f);
+    applySize ((float)prefs.uiScale.get() * 0.01f);
 }
 
 void TRQAudioProcessorEditor::parameterChanged (int index, float value, bool notifyManager)
@@ -574,14 +580,14 @@ void TRQAudioProcessorEditor::updateEnablement (int sourceIndex)
 
 void TRQAudioProcessorEditor::setDarkMode (int mode)
 {
-    prefs.setDarkMode (mode);
+    prefs.darkMode.set (static_cast<TRQUserPrefs::DarkMode> (mode));
     gl->darkMode.publish (mode);
     layout.setStyle (mode);
     lookAndFeel.setStyle (mode);
     sendLookAndFeelChange();
     toolbar->setStyle (mode);
     presetView->setStyle (mode);
-    const auto language = TRQLanguage::drawingLanguage (prefs.language);
+    const auto language = TRQLanguage::drawingLanguage (prefs.language.get());
     for (auto& control : controls)
         if (control != nullptr)
             control->setLanguageAndStyle (language, mode);
@@ -591,20 +597,20 @@ void TRQAudioProcessorEditor::setDarkMode (int mode)
 
 void TRQAudioProcessorEditor::setLanguage (TRQLanguage::Language language)
 {
-    prefs.setLanguage (language);
+    prefs.language.set (language);
     const auto shown = TRQLanguage::drawingLanguage (language);
     layout.setLanguage (shown);
-    hud->setLanguageAndStyle (shown, prefs.darkMode);
+    hud->setLanguageAndStyle (shown, (int)prefs.darkMode.get());
     for (auto& control : controls)
         if (control != nullptr)
-            control->setLanguageAndStyle (shown, prefs.darkMode);
+            control->setLanguageAndStyle (shown, (int)prefs.darkMode.get());
     backgroundDirty = true;
     languageChanged.emit ((int)language);
 }
 
 void TRQAudioProcessorEditor::setMetering (int metering)
 {
-    prefs.setMetering (metering);
+    prefs.metering.set (static_cast<TRQUserPrefs::Metering> (metering));
     gl->metering.publish (metering);
 }
 

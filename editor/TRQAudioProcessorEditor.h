@@ -1,6 +1,5 @@
 #pragma once
 
-#include "editor/TRQEditorPreferences.h"
 #include "editor/TRQFocusRing.h"
 #include "editor/TRQLayoutComponent.h"
 #include "editor/TRQLookAndFeel.h"
@@ -8,6 +7,7 @@
 #include "editor/TRQModalViewer.h"
 #include "editor/TRQPopupMenuHandler.h"
 #include "state/TRQSignals.h"
+#include "state/TRQUserPrefs.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 #include <juce_opengl/juce_opengl.h>
@@ -52,8 +52,7 @@ public:
         glGood = 2
     };
 
-    explicit TRQAudioProcessorEditor (TRQAudioProcessor& processor,
-                                      std::shared_ptr<TRQPreferenceSource> preferences = {});
+    explicit TRQAudioProcessorEditor (TRQAudioProcessor& processor);
     ~TRQAudioProcessorEditor() override;
 
     void setScaleFactor (float newScale) override;
@@ -95,7 +94,7 @@ public:
     TRQTransientValueView& getTransientValueView() const { return *transientValue; }
     TRQEditorGLState& getGLState() const { return *gl; }
     TRQParameterGestures& getGestures() { return *gestures; }
-    TRQEditorPreferences& getPreferences() { return prefs; }
+    TRQUserPrefs::EditorPrefs& getPreferences() { return prefs; }
     juce::Component& getRoot() { return root; }
     TRQLayoutComponent& getLayout() { return layout; }
     int getGLStatus() const;
@@ -138,7 +137,7 @@ private:
     void openPresetForm (bool update);
 
     TRQAudioProcessor& processor;
-    TRQEditorPreferences prefs;
+    TRQUserPrefs::EditorPrefs prefs;
     TRQLookAndFeel lookAndFeel;
     juce::OpenGLContext openGLContext;
     std::unique_ptr<TRQEditorGLState> gl;

@@ -239,12 +239,14 @@ juce::PopupMenu TRQPopupMenuHandler::preferencesMenu()
     juce::PopupMenu menu;
     menu.addSubMenu ("Language", languageMenu());
     menu.addItem (encode (alwaysOpenAdvancedPane, 0), "Always Open Advanced Pane", true,
-                  prefs.alwaysOpenAdvPane);
+                  prefs.alwaysOpenAdvPane.get() == TRQUserPrefs::AlwaysOpenAdvPane::On);
     addDarkModeItems (menu);
-    menu.addItem (encode (enableMetering, 0), "Enable Metering", true, prefs.metering == 1);
-    menu.addItem (encode (enableScrollInput, 0), "Enable Scroll Input", true, prefs.scrolling);
+    menu.addItem (encode (enableMetering, 0), "Enable Metering", true,
+                  prefs.metering.get() == TRQUserPrefs::Metering::On);
+    menu.addItem (encode (enableScrollInput, 0), "Enable Scroll Input", true,
+                  prefs.scrolling.get() == TRQUserPrefs::Scrolling::On);
     menu.addItem (encode (doubleClickKeyEntry, 0), "Require Double-Click for Keyboard Focus", true,
-                  prefs.doubleClickKeyEntry);
+                  prefs.doubleClickKeyEntry.get() == TRQUserPrefs::DoubleClickKeyEntry::On);
     menu.addSubMenu ("Window Size", windowSizeMenu());
     return menu;
 }
@@ -256,13 +258,13 @@ juce::PopupMenu TRQPopupMenuHandler::languageMenu()
     juce::PopupMenu menu;
     for (auto language : TRQLanguage::menuLanguages())
     {
-        auto shapes = ed.drawing.glossonymList (language, ed.prefs.darkMode);
+        auto shapes = ed.drawing.glossonymList (language, (int)ed.prefs.darkMode.get());
         // Emoji keep their own colours; every other name is written in the menu's ink.
         if (language != TRQLanguage::Emoji)
             shapes.setColour (ink);
         juce::PopupMenu::Item item (juce::String (TRQLanguage::languageName (language)));
         item.itemID = encode (TRQMenuItemId::language, language);
-        item.isTicked = language == ed.prefs.language;
+        item.isTicked = language == ed.prefs.language.get();
         item.customComponent =
             new TRQDrawableCustomComponent (std::move (shapes), {0.0f, 0.0f, 100.0f, 24.0f});
         menu.addItem (std::move (item));
@@ -272,7 +274,7 @@ juce::PopupMenu TRQPopupMenuHandler::languageMenu()
 
 void TRQPopupMenuHandler::addDarkModeItems (juce::PopupMenu& menu)
 {
-    const int mode = editor().prefs.darkMode;
+    const int mode = (int)editor().prefs.darkMode.get();
     if (hasSystemDarkMode())
     {
         juce::PopupMenu modes;
@@ -287,7 +289,7 @@ void TRQPopupMenuHandler::addDarkModeItems (juce::PopupMenu& menu)
 
 juce::PopupMenu TRQPopupMenuHandler::windowSizeMenu()
 {
-    const int scale = editor().prefs.uiScale;
+    const int scale = editor().prefs.uiScale.get();
     juce::PopupMenu menu;
     bool matched = false;
     for (const auto& size : windowSizes)
@@ -422,12 +424,15 @@ void TRQPopupMenuHandler::togglePreference (int action)
     switch (action)
     {
     case alwaysOpenAdvancedPane:
-        prefs.setAlwaysOpenAdvPane (!prefs.alwaysOpenAdvPane);
+        prefs.alwaysOpenAdvPane.set (prefs.alwaysOpenAdvPane.get() == TRQUserPrefs::AlwaysOpenAdvPane::On
+                                         ? TRQUserPrefs::AlwaysOpenAdvPane::Off
+                                         : TRQUserPrefs::AlwaysOpenAdvPane::On);
         break;
     case doubleClickKeyEntry:
     {
-        const bool old = prefs.doubleClickKeyEntry;
-        prefs.setDoubleClickKeyEntry (!old);
+        const bool old = prefs.doubleClickKeyEntry.get() == TRQUserPrefs::DoubleClickKeyEntry::On;
+        prefs.doubleClickKeyEntry.set (old ? TRQUserPrefs::DoubleClickKeyEntry::Off
+                                           : TRQUserPrefs::DoubleClickKeyEntry::On);
         // With double-click entry on, a click on the panel doesn't take the focus.
         ed.setWantsKeyboardFocus (old);
         for (auto& control : ed.controls)
@@ -437,7 +442,7 @@ void TRQPopupMenuHandler::togglePreference (int action)
     }
     case enableMetering:
     {
-        const int metering = prefs.metering == 1 ? 0 : 1;
+        const int metering = prefs.metering.get() == TRQUserPrefs::Metering::On ? 0 : 1;
         ed.setMetering (metering);
         // The meters' area goes back to the bare artwork.
         if (metering == 0)
@@ -446,8 +451,8 @@ void TRQPopupMenuHandler::togglePreference (int action)
     }
     case enableScrollInput:
     {
-        const bool scrolling = !prefs.scrolling;
-        prefs.setScrolling (scrolling);
+        const bool scrolling = prefs.scrolling.get() == TRQUserPrefs::Scrolling::Off;
+        prefs.scrolling.set (scrolling ? TRQUserPrefs::Scrolling::On : TRQUserPrefs::Scrolling::Off);
         for (auto& control : ed.controls)
             if (control != nullptr)
                 control->setScrollEnabled (scrolling);

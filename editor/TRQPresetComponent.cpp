@@ -1,5 +1,6 @@
 #include "editor/TRQPresetComponent.h"
 
+#include "editor/TRQLookAndFeel.h"
 #include "presets/TRQPresetController.h"
 
 juce::String TRQPresetComponent::sectionKey (std::uint32_t kind, const juce::String& title)
@@ -8,8 +9,11 @@ juce::String TRQPresetComponent::sectionKey (std::uint32_t kind, const juce::Str
 }
 
 void TRQPresetComponent::build (const TRQPresetController& controller,
-                                const std::map<juce::String, bool>& openSections, int style)
+                                const std::map<juce::String, bool>& openSections, int newStyle,
+                                const juce::String& newNotice)
 {
+    style = newStyle;
+    notice = newNotice;
     for (auto& header : headers)
         removeChildComponent (header.get());
     headers.clear();
@@ -47,11 +51,21 @@ TRQPresetElement* TRQPresetComponent::findRow (std::uint32_t presetIndex) const
 
 void TRQPresetComponent::layOut (int width)
 {
-    int y = 0;
+    int y = notice.isEmpty() ? 0 : noticeHeight;
     for (auto& header : headers)
     {
         header->setBounds (0, y, width, header->preferredHeight());
         y += header->getHeight();
     }
     setSize (width, y);
+}
+
+void TRQPresetComponent::paint (juce::Graphics& g)
+{
+    if (notice.isEmpty())
+        return;
+    g.setColour (style == 1 ? juce::Colour (0xffff8a80) : juce::Colour (0xffa3261b));
+    g.setFont (juce::Font (TRQLookAndFeel::textFamily, "Regular", 14.0f));
+    g.drawFittedText (notice, 10, 0, getWidth() - 20, noticeHeight, juce::Justification::centredLeft, 1,
+                      0.8f);
 }

@@ -12,7 +12,8 @@ bool TRQPresetDeleteModal::submit()
 {
     if (controller != nullptr)
         if (const auto index = controller->indexOfUuid (uuid()); index.present)
-            controller->deletePreset (index.value);
+            if (!wentThrough (controller->deletePreset (index.value)))
+                return false;
     closeSignal.emit (1);
     return true;
 }

@@ -34,6 +34,10 @@ bool TRQPresetEditModal::submit()
         showError ("Preset Name is Required");
         return false;
     }
+    // Another instance may have taken the name, or removed this preset, since the list
+    // was read.
+    if (controller != nullptr && !wentThrough (controller->refresh()))
+        return false;
     if (controller == nullptr || !controller->indexOfUuid (uuid()).present)
     {
         closeSignal.emit (1);
@@ -47,8 +51,9 @@ bool TRQPresetEditModal::submit()
             askToReplace (*existing, name, note, makeDefault, uuid());
             return false;
         }
-    controller->editPreset (uuid(), name, note);
-    controller->makeDefault (uuid(), makeDefault);
+    if (!wentThrough (controller->editPreset (uuid(), name, note)) ||
+        !wentThrough (controller->makeDefault (uuid(), makeDefault)))
+        return false;
     closeSignal.emit (1);
     return true;
 }

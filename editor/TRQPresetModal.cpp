@@ -190,6 +190,13 @@ void TRQPresetModal::showError (const juce::String& text)
     errorDisplay->setText (text);
 }
 
+bool TRQPresetModal::wentThrough (const juce::Result& result)
+{
+    if (result.failed())
+        showError (result.getErrorMessage());
+    return result.wasOk();
+}
+
 void TRQPresetModal::askToReplace (const PresetRecord& existing, const juce::String& name,
                                    const juce::String& note, bool makeDefault, const juce::String& retireUuid)
 {

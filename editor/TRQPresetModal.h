@@ -55,6 +55,9 @@ protected:
     void addUrl (const juce::String& explanation, bool withHelpLink);
     void addNote (const juce::String& text);
     void showError (const juce::String& text);
+    // Whether a change to the presets went through; if not, its problem is shown and
+    // the form stays.
+    bool wentThrough (const juce::Result& result);
     // The first user section's preset of that name, other than the one with skipUuid.
     const PresetRecord* userPresetNamed (const juce::String& name, const juce::String& skipUuid) const;
     juce::String uuid() const { return settings.get (Settings::uuid).toString(); }

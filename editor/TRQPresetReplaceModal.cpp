@@ -14,14 +14,16 @@ bool TRQPresetReplaceModal::submit()
     if (controller != nullptr)
     {
         const auto target = uuid();
-        controller->replacePreset (target, settings.get (Settings::name).toString(),
-                                   settings.get (Settings::note).toString(), urlOf (values), values);
-        controller->makeDefault (target, (bool)settings.get (Settings::makeDefault));
+        if (!wentThrough (controller->replacePreset (target, settings.get (Settings::name).toString(),
+                                                     settings.get (Settings::note).toString(), urlOf (values),
+                                                     values)) ||
+            !wentThrough (controller->makeDefault (target, (bool)settings.get (Settings::makeDefault))))
+            return false;
         // A renamed preset that took another's place leaves its old entry behind.
         if (settings.has (Settings::retireUuid))
             if (const auto old = controller->indexOfUuid (settings.get (Settings::retireUuid).toString());
-                old.present)
-                controller->deletePreset (old.value);
+                old.present && !wentThrough (controller->deletePreset (old.value)))
+                return false;
     }
     closeSignal.emit (2);
     return true;

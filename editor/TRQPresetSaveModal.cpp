@@ -20,7 +20,7 @@ bool TRQPresetSaveModal::submit()
     }
     const auto note = notesEditor->getText().trim();
     const bool makeDefault = makeDefaultToggle->getToggleState();
-    if (controller == nullptr)
+    if (controller == nullptr || !wentThrough (controller->refresh()))
         return false;
     if (const auto* existing = userPresetNamed (name, {}))
     {
@@ -28,8 +28,10 @@ bool TRQPresetSaveModal::submit()
         return false;
     }
     const auto newUuid = controller->savePreset (name, note, urlOf (values), values);
-    if (makeDefault)
-        controller->makeDefault (newUuid, true);
+    if (!wentThrough (controller->lastWriteResult()))
+        return false;
+    if (makeDefault && !wentThrough (controller->makeDefault (newUuid, true)))
+        return false;
     closeSignal.emit (1);
     return true;
 }

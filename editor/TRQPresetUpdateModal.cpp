@@ -14,8 +14,8 @@ TRQPresetUpdateModal::TRQPresetUpdateModal (std::shared_ptr<TRQPresetController>
 
 bool TRQPresetUpdateModal::submit()
 {
-    if (controller != nullptr)
-        controller->updatePreset (uuid(), urlOf (values), values);
+    if (controller != nullptr && !wentThrough (controller->updatePreset (uuid(), urlOf (values), values)))
+        return false;
     closeSignal.emit (1);
     return true;
 }

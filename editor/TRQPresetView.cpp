@@ -71,6 +71,7 @@ void TRQPresetView::setVisible (bool shouldBeVisible)
 {
     if (shouldBeVisible && controller != nullptr)
     {
+        writeProblem = {};
         // Another instance may have changed the user's file since we last looked.
         controller->reload();
         const auto& presets = controller->getPresets();
@@ -108,7 +109,7 @@ void TRQPresetView::rebuild()
     if (controller == nullptr)
         return;
     const auto viewY = viewport.getViewPositionY();
-    body->build (*controller, openSections, style);
+    body->build (*controller, openSections, style, notice());
     for (auto& header : body->getHeaders())
     {
         header->toggled.connect (this,
@@ -121,13 +122,30 @@ void TRQPresetView::rebuild()
                                      body->layOut (bodyWidth());
                                  });
         header->moved.connect (this, [this] (std::uint32_t index, std::uint32_t position)
-                               { controller->movePreset (index, position); });
+                               { showWriteResult (controller->movePreset (index, position)); });
         for (auto& row : header->getRows())
             row->pressed.connect (this, [this] (std::uint32_t index, const juce::MouseEvent& e, bool menu)
                                   { rowPressed (index, e, menu); });
     }
     body->layOut (bodyWidth());
     viewport.setViewPosition (0, viewY);
+}
+
+void TRQPresetView::showWriteResult (const juce::Result& result)
+{
+    writeProblem = result.getErrorMessage();
+    // Nothing was reloaded; the rows are built again once the caller's callback is over.
+    if (result.failed())
+        triggerAsyncUpdate();
+}
+
+juce::String TRQPresetView::notice() const
+{
+    if (writeProblem.isNotEmpty())
+        return writeProblem;
+    if (controller != nullptr && controller->getUserFileProblem().isNotEmpty())
+        return "Can't Read User Presets: " + controller->getUserFileProblem();
+    return {};
 }
 
 void TRQPresetView::markCurrent()
@@ -206,7 +224,7 @@ void TRQPresetView::rowMenuChosen (std::uint32_t presetIndex, int itemId)
         return;
     if (itemId == makeDefaultItem)
     {
-        controller->setDefaultPreset (presetIndex);
+        showWriteResult (controller->setDefaultPreset (presetIndex));
         return;
     }
     const int kind = itemId == editItem     ? TRQPresetModal::editForm

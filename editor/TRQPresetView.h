@@ -55,6 +55,10 @@ public:
 private:
     void handleAsyncUpdate() override;
     void rowPressed (std::uint32_t index, const juce::MouseEvent& e, bool menu);
+    // A change made in the browser itself that couldn't be written: its problem shows
+    // above the list until the browser opens again.
+    void showWriteResult (const juce::Result& result);
+    juce::String notice() const;
     void markCurrent();
     bool step (int direction);
     // Room for the scroll bar is kept, so rows don't change width as the list grows.
@@ -65,6 +69,7 @@ private:
     std::shared_ptr<TRQPresetComponent> body;
     std::shared_ptr<TRQTextButton> saveButton, closeButton;
     std::map<juce::String, bool> openSections;
+    juce::String writeProblem;
     int style = 0;
     int rebuilds = 0;
 };

@@ -23,7 +23,7 @@ namespace PresetFuzzChecks
 inline std::string checkRead (const std::string& text)
 {
     TRQPresetFiles::Contents contents;
-    TRQPresetFiles::readText (text, PresetKind::user, 2, 2, contents);
+    TRQPresetFiles::readText (text, "HvnUserPresets.json", PresetKind::user, 2, 2, contents);
     std::uint32_t next = 0;
     for (std::size_t s = 0; s < contents.sections.size(); ++s)
     {
@@ -52,9 +52,10 @@ inline std::string checkWrite (const std::string& text, const juce::File& file)
     const auto before = file.loadFileAsString();
     const auto wrote =
         TRQPresetFiles::modifyUserFile (file,
-                                        [] (nlohmann::json& plugin) {
+                                        [] (TRQPresetFiles::Json& plugin) {
                                             plugin["sections"][0]["presets"].push_back ({{"name", "fuzz"}});
-                                        });
+                                        })
+            .wasOk();
     const auto after = file.loadFileAsString();
     if (!wrote)
         return after == before ? std::string() : "a failed write changed the file";

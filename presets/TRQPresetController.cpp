@@ -6,31 +6,47 @@
 #include "state/TRQAudioParameter.h"
 #include "state/TRQPluginState.h"
 #include "state/TRQSettingsHost.h"
+#include "state/TRQSharedFile.h"
 
 #include <algorithm>
 
 namespace
 {
+using Json = TRQPresetFiles::Json;
+
 std::string textOf (const juce::String& s)
 {
     return s.toStdString();
 }
 
-// The uuid of a preset object as the loader reads it: empty when absent.
-juce::String uuidOf (const nlohmann::json& preset)
+// Whether a preset object carries this uuid as the loader reads it: a missing one is
+// empty, and one of another type names nothing.
+bool hasUuid (const Json& preset, const juce::String& uuid)
 {
-    const auto uuid = preset.find ("uuid");
-    return uuid != preset.end() && uuid->is_string()
-               ? juce::String::fromUTF8 (uuid->get<std::string>().c_str())
-               : juce::String();
+    if (!preset.is_object())
+        return false;
+    const auto found = preset.find ("uuid");
+    if (found == preset.end())
+        return uuid.isEmpty();
+    return found->is_string() && juce::String::fromUTF8 (found->get<std::string>().c_str()) == uuid;
 }
 
-nlohmann::json& presetsOf (nlohmann::json& section)
+bool hasName (const Json& preset, const std::string& name)
 {
-    auto& list = section["presets"];
-    if (!list.is_array())
-        list = nlohmann::json::array();
-    return list;
+    if (!preset.is_object())
+        return false;
+    const auto found = preset.find ("name");
+    return found != preset.end() && found->is_string() && found->get<std::string>() == name;
+}
+
+// The "presets" array of a section, or nullptr for a section of another form, which
+// is left as it stands.
+Json* presetsOf (Json& section)
+{
+    if (!section.is_object())
+        return nullptr;
+    const auto found = section.find ("presets");
+    return found != section.end() && found->is_array() ? &*found : nullptr;
 }
 } // namespace
 
@@ -147,8 +163,13 @@ void TRQPresetController::loadPresets()
     TRQPresetFiles::Contents contents;
     const int ins = processor.asAudioProcessor().getMainBusNumInputChannels();
     const int outs = processor.asAudioProcessor().getMainBusNumOutputChannels();
+    userFileProblem = {};
     for (const auto& ref : files)
-        TRQPresetFiles::read (ref, ins, outs, contents);
+    {
+        const auto result = TRQPresetFiles::read (ref, ins, outs, contents);
+        if (ref.kind == PresetKind::user && result.failed())
+            userFileProblem = result.getErrorMessage();
+    }
     sections = std::move (contents.sections);
     presets = std::move (contents.presets);
 
@@ -330,168 +351,193 @@ void TRQPresetController::updateModified (HVNChecked<std::uint32_t> id, HVNCheck
 
 // ---- writing ----
 
-void TRQPresetController::writePreset (const juce::String& name, const juce::String& note,
-                                       const juce::String& url, const juce::String& uuid,
-                                       const Values& values)
+juce::Result TRQPresetController::refresh()
 {
-    nlohmann::json object = nlohmann::json::object();
+    // Only a file that can't be read, or isn't JSON, would empty the user's part of
+    // the list; a damaged entry costs what it spoils, as on any load.
+    std::string text;
+    const auto user = userFile();
+    auto result = TRQSharedFile::read (user, text);
+    if (result.wasOk() && !nlohmann::json::accept (text))
+    {
+        TRQPresetFiles::Contents contents;
+        result = TRQPresetFiles::readText (text, user.getFileName(), PresetKind::user, 0, 0, contents);
+    }
+    if (result.failed())
+        return result;
+    loadPresets();
+    return juce::Result::ok();
+}
+
+juce::Result TRQPresetController::writePreset (const juce::String& name, const juce::String& note,
+                                               const juce::String& url, const juce::String& uuid,
+                                               const Values& values)
+{
+    Json object = Json::object();
     object["name"] = textOf (name);
     object["note"] = textOf (note);
     object["url"] = textOf (url);
     object["uuid"] = textOf (uuid);
-    auto& stored = object["values"] = nlohmann::json::object();
+    auto& stored = object["values"] = Json::object();
     for (ParameterId id = 0; id < kNumParameters; ++id)
         stored[std::to_string (id)] = TRQPresetFiles::valueToJson (values[id]);
 
-    TRQPresetFiles::modifyUserFile (
+    const auto result = TRQPresetFiles::modifyUserFile (
         userFile(),
-        [&] (nlohmann::json& plugin)
+        [&] (Json& plugin)
         {
             // Only the first section's names are matched.
-            auto& list = presetsOf (plugin["sections"][0]);
-            const auto same =
-                std::find_if (list.begin(), list.end(),
-                              [&] (const nlohmann::json& p)
-                              { return p.is_object() && p.value ("name", std::string()) == object["name"]; });
+            auto& list = *presetsOf (plugin["sections"][0]);
+            const auto same = std::find_if (list.begin(), list.end(),
+                                            [&] (const Json& p) { return hasName (p, textOf (name)); });
             if (same != list.end())
                 *same = object;
             else
                 list.push_back (object);
         });
+    if (result.failed())
+        return result;
     reload();
 
     if (const auto index = indexOfUuid (uuid))
         selectPreset (index.value, true, true);
     isModified = false;
     modifiedChanged.emit (false);
+    return result;
 }
 
 juce::String TRQPresetController::savePreset (const juce::String& name, const juce::String& note,
                                               const juce::String& url, const Values& values)
 {
     const auto uuid = juce::Uuid().toDashedString();
-    writePreset (name, note, url, uuid, values);
-    return uuid;
+    lastWrite = writePreset (name, note, url, uuid, values);
+    return lastWrite.wasOk() ? uuid : juce::String();
 }
 
-void TRQPresetController::replacePreset (const juce::String& uuid, const juce::String& name,
-                                         const juce::String& note, const juce::String& url,
-                                         const Values& values)
+juce::Result TRQPresetController::replacePreset (const juce::String& uuid, const juce::String& name,
+                                                 const juce::String& note, const juce::String& url,
+                                                 const Values& values)
 {
-    writePreset (name, note, url, uuid, values);
+    return lastWrite = writePreset (name, note, url, uuid, values);
 }
 
-void TRQPresetController::updatePreset (const juce::String& uuid, const juce::String& url,
-                                        const Values& values)
+juce::Result TRQPresetController::updatePreset (const juce::String& uuid, const juce::String& url,
+                                                const Values& values)
 {
     const auto index = indexOfUuid (uuid);
     if (!index)
-        return;
+        return lastWrite = juce::Result::ok();
     const auto name = presets[index.value].name;
     const auto note = presets[index.value].note;
-    writePreset (name, note, url, uuid, values);
+    return lastWrite = writePreset (name, note, url, uuid, values);
 }
 
-void TRQPresetController::editPreset (const juce::String& uuid, const juce::String& name,
-                                      const juce::String& note)
+juce::Result TRQPresetController::editPreset (const juce::String& uuid, const juce::String& name,
+                                              const juce::String& note)
 {
     const auto index = indexOfUuid (uuid);
     if (!index || (presets[index.value].name == name && presets[index.value].note == note))
-        return;
+        return lastWrite = juce::Result::ok();
 
-    TRQPresetFiles::modifyUserFile (userFile(),
-                                    [&] (nlohmann::json& plugin)
-                                    {
-                                        auto& list = presetsOf (plugin["sections"][0]);
-                                        for (auto& preset : list)
-                                        {
-                                            if (preset.is_object() && uuidOf (preset) == uuid)
-                                            {
-                                                preset["name"] = textOf (name);
-                                                preset["note"] = textOf (note);
-                                                break;
-                                            }
-                                        }
-                                    });
+    lastWrite = TRQPresetFiles::modifyUserFile (userFile(),
+                                                [&] (Json& plugin)
+                                                {
+                                                    auto& list = *presetsOf (plugin["sections"][0]);
+                                                    for (auto& preset : list)
+                                                    {
+                                                        if (hasUuid (preset, uuid))
+                                                        {
+                                                            preset["name"] = textOf (name);
+                                                            preset["note"] = textOf (note);
+                                                            break;
+                                                        }
+                                                    }
+                                                });
+    if (lastWrite.failed())
+        return lastWrite;
     if (uuid == lastUuid())
         presetNameChanged.emit (name, false);
     reload();
+    return lastWrite;
 }
 
-void TRQPresetController::deletePreset (std::uint32_t index)
+juce::Result TRQPresetController::deletePreset (std::uint32_t index)
 {
     if (index >= presets.size())
-        return;
+        return lastWrite = juce::Result::ok();
     const auto uuid = presets[index].uuid;
 
-    TRQPresetFiles::modifyUserFile (userFile(),
-                                    [&] (nlohmann::json& plugin)
-                                    {
-                                        for (auto& section : plugin["sections"])
-                                        {
-                                            auto& list = presetsOf (section);
-                                            list.erase (std::remove_if (list.begin(), list.end(),
-                                                                        [&] (const nlohmann::json& p) {
-                                                                            return p.is_object() &&
-                                                                                   uuidOf (p) == uuid;
-                                                                        }),
-                                                        list.end());
-                                        }
-                                    });
-    reload();
-}
-
-void TRQPresetController::movePreset (std::uint32_t index, std::uint32_t position)
-{
-    if (index >= presets.size())
-        return;
-    const auto uuid = presets[index].uuid;
-
-    TRQPresetFiles::modifyUserFile (
+    lastWrite = TRQPresetFiles::modifyUserFile (
         userFile(),
-        [&] (nlohmann::json& plugin)
+        [&] (Json& plugin)
+        {
+            for (auto& section : plugin["sections"])
+                if (auto* list = presetsOf (section))
+                    list->erase (std::remove_if (list->begin(), list->end(),
+                                                 [&] (const Json& p) { return hasUuid (p, uuid); }),
+                                 list->end());
+        });
+    if (lastWrite.wasOk())
+        reload();
+    return lastWrite;
+}
+
+juce::Result TRQPresetController::movePreset (std::uint32_t index, std::uint32_t position)
+{
+    if (index >= presets.size())
+        return lastWrite = juce::Result::ok();
+    const auto uuid = presets[index].uuid;
+
+    lastWrite = TRQPresetFiles::modifyUserFile (
+        userFile(),
+        [&] (Json& plugin)
         {
             for (auto& section : plugin["sections"])
             {
-                auto& list = presetsOf (section);
-                const auto found = std::find_if (list.begin(), list.end(),
-                                                 [&] (const nlohmann::json& p)
-                                                 { return p.is_object() && uuidOf (p) == uuid; });
-                if (found == list.end())
+                auto* list = presetsOf (section);
+                if (list == nullptr)
+                    continue;
+                const auto found = std::find_if (list->begin(), list->end(),
+                                                 [&] (const Json& p) { return hasUuid (p, uuid); });
+                if (found == list->end())
                     continue;
                 auto moved = std::move (*found);
-                list.erase (found);
-                const auto at = std::min<std::size_t> (position, list.size());
-                list.insert (list.begin() + static_cast<std::ptrdiff_t> (at), std::move (moved));
+                list->erase (found);
+                const auto at = std::min<std::size_t> (position, list->size());
+                list->insert (list->begin() + static_cast<std::ptrdiff_t> (at), std::move (moved));
             }
         });
-    reload();
+    if (lastWrite.wasOk())
+        reload();
+    return lastWrite;
 }
 
-void TRQPresetController::setDefaultPreset (std::uint32_t index)
+juce::Result TRQPresetController::setDefaultPreset (std::uint32_t index)
 {
     if (index >= presets.size() || defaultPresetIndex == index)
-        return;
-    defaultPresetIndex = index;
+        return lastWrite = juce::Result::ok();
     const auto uuid = textOf (presets[index].uuid);
-    TRQPresetFiles::modifyUserFile (userFile(), [&] (nlohmann::json& plugin) { plugin["favorite"] = uuid; });
+    lastWrite =
+        TRQPresetFiles::modifyUserFile (userFile(), [&] (Json& plugin) { plugin["favorite"] = uuid; });
+    if (lastWrite.failed())
+        return lastWrite;
+    defaultPresetIndex = index;
     reload();
     defaultChanged.emit();
+    return lastWrite;
 }
 
-void TRQPresetController::makeDefault (const juce::String& uuid, bool on)
+juce::Result TRQPresetController::makeDefault (const juce::String& uuid, bool on)
 {
     const auto index = indexOfUuid (uuid);
     if (!index)
-        return;
+        return lastWrite = juce::Result::ok();
     if (on)
-    {
-        setDefaultPreset (index.value);
-        return;
-    }
+        return setDefaultPreset (index.value);
     if (index.value != defaultPresetIndex)
-        return;
+        return lastWrite = juce::Result::ok();
     const auto factory = std::find_if (presets.begin(), presets.end(),
                                        [] (const PresetRecord& r) { return r.kind == PresetKind::factory; });
-    setDefaultPreset (factory != presets.end() ? static_cast<std::uint32_t> (factory - presets.begin()) : 0);
+    return setDefaultPreset (factory != presets.end() ? static_cast<std::uint32_t> (factory - presets.begin())
+                                                      : 0);
 }

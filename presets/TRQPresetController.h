@@ -74,22 +74,35 @@ public:
     void restoreSelection (const juce::String& uuid, bool modified);
     void updateModified (HVNChecked<std::uint32_t> id, HVNChecked<float> normalised);
 
+    // Changes to the user's file. When the file can't be read or written, nothing is
+    // written and nothing here changes: the result names the problem and the file in
+    // one short line.
+    // Returns the new uuid, or nothing when the write failed (lastWriteResult says why).
     juce::String savePreset (const juce::String& name, const juce::String& note, const juce::String& url,
                              const Values& values);
-    void replacePreset (const juce::String& uuid, const juce::String& name, const juce::String& note,
-                        const juce::String& url, const Values& values);
-    void updatePreset (const juce::String& uuid, const juce::String& url, const Values& values);
-    void editPreset (const juce::String& uuid, const juce::String& name, const juce::String& note);
-    void deletePreset (std::uint32_t index);
-    void movePreset (std::uint32_t index, std::uint32_t position);
-    void setDefaultPreset (std::uint32_t index);
-    void makeDefault (const juce::String& uuid, bool on);
+    juce::Result replacePreset (const juce::String& uuid, const juce::String& name, const juce::String& note,
+                                const juce::String& url, const Values& values);
+    juce::Result updatePreset (const juce::String& uuid, const juce::String& url, const Values& values);
+    juce::Result editPreset (const juce::String& uuid, const juce::String& name, const juce::String& note);
+    juce::Result deletePreset (std::uint32_t index);
+    juce::Result movePreset (std::uint32_t index, std::uint32_t position);
+    juce::Result setDefaultPreset (std::uint32_t index);
+    juce::Result makeDefault (const juce::String& uuid, bool on);
+    // What the last of the changes above came to.
+    const juce::Result& lastWriteResult() const { return lastWrite; }
+
+    // Why the user file was not read whole at the last load, or empty.
+    const juce::String& getUserFileProblem() const { return userFileProblem; }
+    // Reads the files again, so that a decision sees what other instances wrote
+    // meanwhile; a user file that can't be read or isn't JSON leaves everything as it
+    // is, and the result says why.
+    juce::Result refresh();
 
 private:
     void loadPresets();
     void applyPreset (const PresetRecord& preset);
-    void writePreset (const juce::String& name, const juce::String& note, const juce::String& url,
-                      const juce::String& uuid, const Values& values);
+    juce::Result writePreset (const juce::String& name, const juce::String& note, const juce::String& url,
+                              const juce::String& uuid, const Values& values);
     juce::File userFile() const;
     bool changed (float normalisedA, float normalisedB, std::uint32_t id) const;
     const PresetRecord* selected() const;
@@ -102,4 +115,6 @@ private:
     std::vector<PresetSection> sections;
     std::vector<PresetRecord> presets;
     std::vector<PresetFileRef> files;
+    juce::String userFileProblem;
+    juce::Result lastWrite = juce::Result::ok();
 };

@@ -2,13 +2,16 @@
 
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
+#include "state/TRQSharedFile.h"
 
 #include "BinaryData.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 
 juce::File PresetFileRef::file() const
 {
@@ -36,29 +39,59 @@ juce::String fromJson (const nlohmann::json& value)
     return juce::String::fromUTF8 (value.get<std::string>().c_str());
 }
 
-// The pair (inputs, outputs) of each well-formed item of a "channels" list.
+// Empty, or nothing but blanks and a byte-order mark.
+bool isBlank (const std::string& text)
+{
+    const std::size_t start = text.compare (0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    return text.find_first_not_of (" \t\r\n", start) == std::string::npos;
+}
+
+juce::Result syntaxError (const juce::String& fileName, const std::string& text, std::size_t byte)
+{
+    const auto end =
+        text.begin() + static_cast<std::ptrdiff_t> (std::min (text.size(), byte > 0 ? byte - 1 : 0));
+    const auto line = 1 + std::count (text.begin(), end, '\n');
+    return juce::Result::fail ("Error at Line " + juce::String (line) + " of " + fileName);
+}
+
+juce::Result damaged (const juce::String& fileName)
+{
+    return juce::Result::fail (fileName + " is Damaged");
+}
+
+// Whether (inputs, outputs) is one of the pairs of a "channels" list; a list without
+// any well-formed pair, or that is no list, offers the preset everywhere.
 bool offeredFor (const nlohmann::json& channels, int inputs, int outputs)
 {
+    if (!channels.is_array())
+        return true;
     bool anyPair = false;
     for (const auto& item : channels)
     {
-        if (!item.is_array() || item.size() != 2)
+        if (!item.is_array() || item.size() != 2 || !item[0].is_number() || !item[1].is_number())
             continue;
         anyPair = true;
-        if (item[0].get<int>() == inputs && item[1].get<int>() == outputs)
+        if (item[0].get<double>() == inputs && item[1].get<double>() == outputs)
             return true;
     }
     return !anyPair;
 }
 
-PresetRecord readPreset (const nlohmann::json& preset)
+// A preset object; a name that is missing or no text stops the file. A note of the
+// wrong type is left out, and so are values that aren't an object; a uuid of the wrong
+// type leaves out the whole preset, which nothing could then name.
+std::optional<PresetRecord> readPreset (const nlohmann::json& preset)
 {
     PresetRecord record;
     record.name = fromJson (preset.at ("name"));
-    if (const auto note = preset.find ("note"); note != preset.end() && !note->is_null())
+    if (const auto note = preset.find ("note"); note != preset.end() && note->is_string())
         record.note = fromJson (*note);
     if (const auto uuid = preset.find ("uuid"); uuid != preset.end())
+    {
+        if (!uuid->is_string())
+            return std::nullopt;
         record.uuid = fromJson (*uuid);
+    }
 
     if (const auto values = preset.find ("values"); values != preset.end() && values->is_object())
     {
@@ -70,6 +103,19 @@ PresetRecord readPreset (const nlohmann::json& preset)
         }
     }
     return record;
+}
+
+std::string withLineEndings (const std::string& text)
+{
+    std::string result;
+    result.reserve (text.size() + text.size() / 16);
+    for (const char c : text)
+    {
+        if (c == '\n')
+            result += '\r';
+        result += c;
+    }
+    return result;
 }
 } // namespace
 
@@ -107,19 +153,20 @@ std::vector<PresetFileRef> fileRefs()
             {PresetKind::factory, where.factory.getFullPathName(), where.builtInFactory}};
 }
 
-void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents)
+juce::Result read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents)
 {
-    if (file.existsAsFile())
-        readText (file.loadFileAsString().toStdString(), kind, inputs, outputs, contents);
+    std::string text;
+    if (auto result = TRQSharedFile::read (file, text); result.failed())
+        return result;
+    return readText (text, file.getFileName(), kind, inputs, outputs, contents);
 }
 
-void read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents)
+juce::Result read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents)
 {
     const auto file = ref.file();
     if (ref.builtInFallback && !file.existsAsFile())
-        readText (builtInFactoryText(), ref.kind, inputs, outputs, contents);
-    else
-        read (file, ref.kind, inputs, outputs, contents);
+        return readText (builtInFactoryText(), file.getFileName(), ref.kind, inputs, outputs, contents);
+    return read (file, ref.kind, inputs, outputs, contents);
 }
 
 std::string builtInFactoryText()
@@ -127,10 +174,31 @@ std::string builtInFactoryText()
     return std::string (BinaryData::TQPresets_json, static_cast<size_t> (BinaryData::TQPresets_jsonSize));
 }
 
-void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents)
+juce::Result readText (const std::string& text, const juce::String& fileName, std::uint32_t kind, int inputs,
+                       int outputs, Contents& contents)
 {
-    if (text.empty())
-        return;
+    if (isBlank (text))
+        return juce::Result::ok();
+
+    // Other plug-ins' entries are checked but not kept: a shared file may be large.
+    const auto onlyOurs = [] (int depth, nlohmann::json::parse_event_t event, nlohmann::json& parsed)
+    { return depth != 1 || event != nlohmann::json::parse_event_t::key || parsed == pluginNumber(); };
+    nlohmann::json document;
+    try
+    {
+        document = nlohmann::json::parse (text, onlyOurs);
+    }
+    catch (const nlohmann::json::parse_error& e)
+    {
+        return syntaxError (fileName, text, e.byte);
+    }
+    if (!document.is_object())
+        return damaged (fileName);
+    const auto plugin = document.find (pluginNumber());
+    if (plugin == document.end())
+        return juce::Result::ok();
+    if (!plugin->is_object())
+        return damaged (fileName);
 
     // A section whose presets were read before a failure still gets its entry, so that
     // every record kept names a section that exists.
@@ -155,19 +223,16 @@ void readText (const std::string& text, std::uint32_t kind, int inputs, int outp
 
     try
     {
-        const auto document = nlohmann::json::parse (text);
-        if (!document.is_object() || !document.contains (pluginNumber()))
-            return;
-        const auto& plugin = document.at (pluginNumber());
-
-        if (const auto favourite = plugin.find ("favorite");
-            favourite != plugin.end() && !favourite->is_null())
+        if (const auto favourite = plugin->find ("favorite");
+            favourite != plugin->end() && favourite->is_string())
             if (const auto uuid = fromJson (*favourite); uuid.isNotEmpty())
                 contents.favourites.emplace_back (uuid, kind);
 
-        const auto sections = plugin.find ("sections");
-        if (sections == plugin.end())
-            return;
+        const auto sections = plugin->find ("sections");
+        if (sections == plugin->end())
+            return juce::Result::ok();
+        if (!sections->is_array())
+            return damaged (fileName);
 
         for (const auto& section : *sections)
         {
@@ -177,16 +242,20 @@ void readText (const std::string& text, std::uint32_t kind, int inputs, int outp
 
             if (const auto presets = section.find ("presets"); presets != section.end())
             {
+                if (!presets->is_array())
+                    throw std::invalid_argument ("presets");
                 for (const auto& preset : *presets)
                 {
                     auto record = readPreset (preset);
+                    if (!record)
+                        continue;
                     if (const auto channels = preset.find ("channels");
                         channels != preset.end() && !channels->empty() &&
                         !offeredFor (*channels, inputs, outputs))
                         continue;
-                    record.section = static_cast<std::uint32_t> (contents.sections.size());
-                    record.kind = kind;
-                    contents.presets.push_back (std::move (record));
+                    record->section = static_cast<std::uint32_t> (contents.sections.size());
+                    record->kind = kind;
+                    contents.presets.push_back (std::move (*record));
                 }
             }
             closeSection();
@@ -195,55 +264,67 @@ void readText (const std::string& text, std::uint32_t kind, int inputs, int outp
     catch (const std::exception&)
     {
         closeSection();
+        return damaged (fileName);
     }
+    return juce::Result::ok();
 }
 
-nlohmann::json defaultSection()
+Json defaultSection()
 {
-    return nlohmann::json::parse (
-        R"({"section": "User", "about": "User presets. Hooray!\n", "presets": []})");
+    return Json::parse (R"({"section": "User", "about": "User presets. Hooray!\n", "presets": []})");
 }
 
-bool modifyUserFile (const juce::File& file, const std::function<void (nlohmann::json& plugin)>& change)
+juce::Result modifyUserFile (const juce::File& file, const std::function<void (Json& plugin)>& change)
 {
-    if (!file.existsAsFile() && !file.create().wasOk())
-        return false;
-
-    nlohmann::json document = nlohmann::json::object();
-    const auto text = file.loadFileAsString();
-    if (text.trim().isNotEmpty())
-    {
-        try
+    const auto fileName = file.getFileName();
+    return TRQSharedFile::update (
+        file,
+        [&] (std::string& text)
         {
-            document = nlohmann::json::parse (text.toStdString());
-        }
-        catch (const std::exception&)
-        {
-            return false; // the user's file stays as it is
-        }
-    }
-    if (!document.is_object())
-        return false;
+            Json document = Json::object();
+            if (!isBlank (text))
+            {
+                try
+                {
+                    document = Json::parse (text);
+                }
+                catch (const Json::parse_error& e)
+                {
+                    return syntaxError (fileName, text, e.byte); // the user's file stays as it is
+                }
+            }
+            if (!document.is_object())
+                return damaged (fileName);
 
-    try
-    {
-        auto& plugin = document[pluginNumber()];
-        if (plugin.is_null())
-            plugin = nlohmann::json::object();
-        if (!plugin.is_object())
-            return false;
-        auto& sections = plugin["sections"];
-        if (!sections.is_array() || sections.empty())
-            sections = nlohmann::json::array ({defaultSection()});
+            // Whatever a write would have to throw away makes the file damaged.
+            try
+            {
+                auto& plugin = document[pluginNumber()];
+                if (plugin.is_null())
+                    plugin = Json::object();
+                if (!plugin.is_object())
+                    return damaged (fileName);
+                auto& sections = plugin["sections"];
+                if (sections.is_null() || (sections.is_array() && sections.empty()))
+                    sections = Json::array ({defaultSection()});
+                if (!sections.is_array() || !sections[0].is_object())
+                    return damaged (fileName);
+                auto& presets = sections[0]["presets"];
+                if (presets.is_null())
+                    presets = Json::array();
+                if (!presets.is_array())
+                    return damaged (fileName);
 
-        change (plugin);
-    }
-    catch (const std::exception&)
-    {
-        return false;
-    }
+                change (plugin);
+            }
+            catch (const std::exception&)
+            {
+                return damaged (fileName);
+            }
 
-    return file.replaceWithText (juce::String::fromUTF8 (document.dump (4).c_str()), false, false, "\r\n");
+            text = withLineEndings (document.dump (4, ' ', false, Json::error_handler_t::replace));
+            return juce::Result::ok();
+        });
 }
 
 nlohmann::json valueToJson (float value)

@@ -47,24 +47,33 @@ struct Contents
 
 // Appends the sections, presets and favourite of one file. Presets whose channel list
 // leaves out (inputs, outputs) are skipped, and so are sections left empty. A missing
-// file is empty; a damaged one adds what it held before the damage.
-void read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+// file is empty. A field of the wrong type is skipped, and so is a preset whose uuid
+// has the wrong type; a file that isn't JSON, or whose structure is damaged, adds
+// what it held before the damage and fails with one short line naming the problem
+// and the file.
+juce::Result read (const juce::File& file, std::uint32_t kind, int inputs, int outputs, Contents& contents);
 // The same for a file of the list, or for the built-in factory presets when the file
 // is missing and the reference falls back on them.
-void read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents);
+juce::Result read (const PresetFileRef& ref, int inputs, int outputs, Contents& contents);
 // The factory file as it was built into the plug-in.
 std::string builtInFactoryText();
-// The same for the text of a file.
-void readText (const std::string& text, std::uint32_t kind, int inputs, int outputs, Contents& contents);
+// The same for the text of a file of that name.
+juce::Result readText (const std::string& text, const juce::String& fileName, std::uint32_t kind, int inputs,
+                       int outputs, Contents& contents);
+
+// The user file is written keeping the order of every object's keys.
+using Json = nlohmann::ordered_json;
 
 // The section that a new user file starts with.
-nlohmann::json defaultSection();
+Json defaultSection();
 
 // Reads the user file, lets change edit the object under the plug-in number (which has
-// a "sections" array when change runs), and writes the file back whole. The file and
-// its folder are made when missing. Returns false, leaving the file as it was, when the
-// file holds text that isn't JSON or can't be written.
-bool modifyUserFile (const juce::File& file, const std::function<void (nlohmann::json& plugin)>& change);
+// a "sections" array whose first item is a section with a "presets" array when change
+// runs), and writes the file back whole. The folder is made when missing. Fails,
+// leaving the file as it was, when it can't be read, holds text that isn't JSON, has
+// its presets in a form that a write would lose, or can't be written: the result
+// names the problem and the file in one short line.
+juce::Result modifyUserFile (const juce::File& file, const std::function<void (Json& plugin)>& change);
 
 // The number as JSON: the shortest decimal that reads back as the same float, or null
 // for a value that isn't finite.

@@ -1,9 +1,12 @@
 #include "state/TRQUserPrefs.h"
 
 #include "state/ParameterCatalogue.h"
+#include "state/TRQSharedFile.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <limits>
 #include <mutex>
 #include <optional>
 
@@ -14,17 +17,25 @@ namespace
 std::mutex fileLock;
 std::optional<juce::File> replacedFile;
 
-nlohmann::json readDocument()
+using Json = nlohmann::ordered_json;
+
+// The stored document; a file that can't be read, or isn't a JSON object, holds none.
+Json parseDocument (const std::string& text)
 {
-    const auto text = Store::file().loadFileAsString();
-    if (text.trim().isEmpty())
-        return nlohmann::json::object();
-    auto document = nlohmann::json::parse (text.toStdString(), nullptr, false);
-    return document.is_object() ? document : nlohmann::json::object();
+    auto document = Json::parse (text, nullptr, false);
+    return document.is_object() ? document : Json::object();
+}
+
+Json readDocument()
+{
+    std::string text;
+    if (TRQSharedFile::read (Store::file(), text).failed())
+        return Json::object();
+    return parseDocument (text);
 }
 
 // The object that holds the values of a scope, or nullptr.
-const nlohmann::json* valuesOf (const nlohmann::json& document, Scope scope)
+const Json* valuesOf (const Json& document, Scope scope)
 {
     if (scope == allPlugins)
         return &document;
@@ -32,24 +43,29 @@ const nlohmann::json* valuesOf (const nlohmann::json& document, Scope scope)
     return own != document.end() && own->is_object() ? &*own : nullptr;
 }
 
+// Changes one value in the file as it is on disk now, under the file's lock, so that
+// what another program wrote meanwhile stays.
 template<typename Value>
 bool writeValue (Scope scope, const std::string& key, const Value& value)
 {
-    auto document = readDocument();
-    auto* values = &document;
-    if (scope == thisPlugin)
-    {
-        auto& own = document[ParameterCatalogue::product().pluginNumber];
-        if (!own.is_object())
-            own = nlohmann::json::object();
-        values = &own;
-    }
-    (*values)[key] = value;
-
-    const auto target = Store::file();
-    if (!target.getParentDirectory().createDirectory().wasOk())
-        return false;
-    return target.replaceWithText (juce::String::fromUTF8 (document.dump (4).c_str()));
+    const auto result =
+        TRQSharedFile::update (Store::file(),
+                               [&] (std::string& text)
+                               {
+                                   auto document = parseDocument (text);
+                                   auto* values = &document;
+                                   if (scope == thisPlugin)
+                                   {
+                                       auto& own = document[ParameterCatalogue::product().pluginNumber];
+                                       if (!own.is_object())
+                                           own = Json::object();
+                                       values = &own;
+                                   }
+                                   (*values)[key] = value;
+                                   text = document.dump (4, ' ', false, Json::error_handler_t::replace);
+                                   return juce::Result::ok();
+                               });
+    return result.wasOk();
 }
 } // namespace
 
@@ -99,9 +115,9 @@ bool read (Scope scope, const std::string& key, int& out)
 {
     juce::MemoryBlock data;
     if (juce::WindowsRegistry::getBinaryValue (registryPath (scope, key), data) != registryNumber ||
-        data.isEmpty())
+        data.getSize() < sizeof (juce::uint32))
         return false;
-    out = static_cast<int> (static_cast<juce::uint8> (data[0]));
+    out = static_cast<int> (juce::ByteOrder::littleEndianInt (data.getData()));
     return true;
 }
 
@@ -128,14 +144,14 @@ bool write (Scope scope, const std::string& key, const std::string& value)
 namespace
 {
 // The stored value of key, or null when there is none.
-nlohmann::json storedValue (Scope scope, const std::string& key)
+Json storedValue (Scope scope, const std::string& key)
 {
     const auto document = readDocument();
     const auto* values = valuesOf (document, scope);
     if (values == nullptr)
         return nullptr;
     const auto found = values->find (key);
-    return found != values->end() ? *found : nlohmann::json();
+    return found != values->end() ? *found : Json();
 }
 } // namespace
 
@@ -144,7 +160,8 @@ bool read (Scope scope, const std::string& key, int& out)
     const auto value = storedValue (scope, key);
     if (!value.is_number_integer())
         return false;
-    out = static_cast<int> (value.get<std::int64_t>() & 0xff);
+    out = static_cast<int> (std::clamp<std::int64_t> (
+        value.get<std::int64_t>(), std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
     return true;
 }
 

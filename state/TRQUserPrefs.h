@@ -29,13 +29,12 @@ juce::File file();
 void setFile (const juce::File& replacement);
 void useStandardFile();
 
-// A stored number comes back as its lowest byte, as a registry double word read into
-// one byte does: 300 reads as 44. Absent or of the other kind: not found.
+// A stored number comes back whole. Absent or of the other kind: not found.
 bool read (Scope scope, const std::string& key, int& out);
 bool read (Scope scope, const std::string& key, std::string& out);
-// Makes the file and its folder at need, and replaces the file whole through a
-// temporary one, so that a reader never sees half a file; false when it can't be
-// written.
+// Changes this one value in the file as it is on disk at that moment, so that values
+// other programs wrote meanwhile stay (see TRQSharedFile). Makes the file and its
+// folder at need; false when it can't be written, a read-only file included.
 bool write (Scope scope, const std::string& key, int value);
 bool write (Scope scope, const std::string& key, const std::string& value);
 } // namespace Store
@@ -160,12 +159,19 @@ struct AlwaysOpenAdvPanePref : EnumPref<AlwaysOpenAdvPane, 0>
     std::string key() const override { return "AlwaysOpenAdvPane"; }
 };
 
-// The window scale in percent, stored as it is.
+// The window scale in percent, stored as it is. A number no window could have (below
+// the smallest size, or a window ten times the standard one) gives the default.
 struct UIScalePref : Pref<int, int>
 {
+    static constexpr int smallest = 80;
+    static constexpr int largest = 1000;
+
     int defaultValue() const override { return 100; }
     std::string key() const override { return "UIScale"; }
-    int fromStored (int stored) const override { return stored; }
+    int fromStored (int stored) const override
+    {
+        return stored >= smallest && stored <= largest ? stored : defaultValue();
+    }
     int toStored (int v) const override { return v; }
 };
 
@@ -180,5 +186,34 @@ struct LanguagePref : Pref<TRQLanguage::Language, std::string>
         return TRQLanguage::languageFromName (stored);
     }
     std::string toStored (TRQLanguage::Language v) const override { return TRQLanguage::languageName (v); }
+};
+
+// The preferences an editor holds, each its own copy.
+struct EditorPrefs
+{
+    AlwaysOpenAdvPanePref alwaysOpenAdvPane;
+    DarkModePref darkMode;
+    FontSourcePref fontSource;
+    DoubleClickKeyEntryPref doubleClickKeyEntry;
+    LanguagePref language;
+    MeteringPref metering;
+    ScrollingPref scrolling;
+    UIScalePref uiScale;
+
+    // All of them loaded, in the order an editor reads them when it opens. Values
+    // that are stored and valid are not written.
+    static EditorPrefs loaded()
+    {
+        EditorPrefs prefs;
+        prefs.alwaysOpenAdvPane.load();
+        prefs.darkMode.load();
+        prefs.fontSource.load();
+        prefs.doubleClickKeyEntry.load();
+        prefs.language.load();
+        prefs.metering.load();
+        prefs.scrolling.load();
+        prefs.uiScale.load();
+        return prefs;
+    }
 };
 } // namespace TRQUserPrefs

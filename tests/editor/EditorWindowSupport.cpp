@@ -50,11 +50,12 @@ void pump (int milliseconds)
     juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds);
 }
 
-OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSource> prefs)
+OpenEditor open (TRQAudioProcessor& processor, const std::shared_ptr<PreferencesFile>& prefs)
 {
     OpenEditor result;
     const double start = juce::Time::getMillisecondCounterHiRes();
-    result.editor = std::make_unique<TRQAudioProcessorEditor> (processor, std::move (prefs));
+    prefs->use();
+    result.editor = std::make_unique<TRQAudioProcessorEditor> (processor);
     auto& editor = *result.editor;
     editor.setTopLeftPosition (20, 20);
     editor.addToDesktop (0);

@@ -2,6 +2,7 @@
 
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
+#include "support/PreferencesFile.h"
 
 #include <gtest/gtest.h>
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -16,8 +17,8 @@ namespace EditorWindowSupport
 {
 bool hasDisplay();
 
-// Base of the window tests: skipped without a display, with preferences of their own
-// kept in memory.
+// Base of the window tests: skipped without a display, with a preferences file of
+// their own.
 class WindowTest : public ::testing::Test
 {
 protected:
@@ -25,10 +26,10 @@ protected:
     {
         if (!hasDisplay())
             GTEST_SKIP() << "no display; run through scripts/xvfb-test.sh";
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        prefs = std::make_shared<PreferencesFile>();
     }
 
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
+    std::shared_ptr<PreferencesFile> prefs;
 };
 // Whether the run expects a working OpenGL 3.2 (ZOLK_EXPECT_GL, default yes).
 bool expectsGL();
@@ -39,9 +40,9 @@ struct OpenEditor
     double msToFirstFrame = -1.0;
 };
 
-// Puts the editor on the desktop at (20, 20) and pumps the message loop until the
-// first GL frame is drawn, or the editor gave up on GL.
-OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSource> prefs);
+// Puts the editor, reading the preferences in prefs, on the desktop at (20, 20) and
+// pumps the message loop until the first GL frame is drawn, or the editor gave up on GL.
+OpenEditor open (TRQAudioProcessor& processor, const std::shared_ptr<PreferencesFile>& prefs);
 
 void pump (int milliseconds);
 

@@ -443,11 +443,22 @@ TEST_F (PresetWindow, BadInputKeepsEveryPreset)
     EXPECT_EQ (userNames (folder).size(), 6u);
 
     // A user file that is no longer JSON: saving keeps it untouched rather than
-    // writing over it.
+    // writing over it, and the form stays open saying why. The browser says why the
+    // user presets are gone.
     folder.user().replaceWithText ("{ not json");
     editor.openModal (2, true, {});
     auto& broken = form (editor)->getNameEditor()->getField();
     type (editor, broken, "Lost?");
     press (editor, juce::KeyPress::returnKey, &broken);
     EXPECT_EQ (folder.user().loadFileAsString(), "{ not json");
+    ASSERT_NE (form (editor), nullptr);
+    EXPECT_EQ (form (editor)->getError(), "Error at Line 1 of HvnUserPresets.json");
+    pump (50);
+    save (capture (editor), "presets-save-form-unreadable-file");
+    editor.closeModal (1);
+    pump (50);
+    ASSERT_EQ (editor.getModalState(), 1);
+    EXPECT_EQ (editor.getPresetView()->getBody().getNotice(),
+               "Can't Read User Presets: Error at Line 1 of HvnUserPresets.json");
+    save (capture (editor), "presets-browser-unreadable-file");
 }

@@ -5,6 +5,7 @@
 #include "state/TRQAudioParameter.h"
 #include "state/TRQParameterManager.h"
 #include "state/TRQUndoManager.h"
+#include "support/PreferencesFile.h"
 
 #include <gtest/gtest.h>
 
@@ -12,19 +13,18 @@
 // display is needed; the window tests cover what only a window shows.
 namespace
 {
-std::unique_ptr<TRQAudioProcessorEditor> makeEditor (TRQAudioProcessor& processor,
-                                                     std::shared_ptr<TRQMemoryPreferenceSource> prefs)
+std::unique_ptr<TRQAudioProcessorEditor> makeEditor (TRQAudioProcessor& processor)
 {
-    return std::make_unique<TRQAudioProcessorEditor> (processor, prefs);
+    return std::make_unique<TRQAudioProcessorEditor> (processor);
 }
 } // namespace
 
 TEST (TRQAudioProcessorEditor, SizesFollowPaneAndScale)
 {
     auto processor = ProcessorTestSupport::make();
-    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    PreferencesFile prefs;
     processor->getPluginState().setAdvancedPaneIsOpen (false);
-    auto editor = makeEditor (*processor, prefs);
+    auto editor = makeEditor (*processor);
     EXPECT_EQ (editor->getWidth(), 457);
     EXPECT_EQ (editor->getHeight(), 380);
     editor->setAdvancedPaneOpen (true, false);
@@ -34,7 +34,7 @@ TEST (TRQAudioProcessorEditor, SizesFollowPaneAndScale)
     // The host's corner dragged to almost nothing stops at 80 %, and the choice is kept.
     editor->applyBoundsToComponent (*editor, {0, 0, 20, 10});
     EXPECT_EQ (editor->getWidth(), 634);
-    EXPECT_EQ (prefs->getInt ("UIScale", 0), 80);
+    EXPECT_EQ (prefs.getInt ("UIScale", 0), 80);
     editor->setUserScale (200);
     EXPECT_EQ (editor->getWidth(), 1586);
     EXPECT_EQ (editor->getHeight(), 760);
@@ -50,10 +50,10 @@ TEST (TRQAudioProcessorEditor, SizesFollowPaneAndScale)
 TEST (TRQAudioProcessorEditor, AAXKeepsItsMinimumWidth)
 {
     auto processor = ProcessorTestSupport::make (2, 2, 2, true);
-    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
-    prefs->setInt ("UIScale", 80);
+    PreferencesFile prefs;
+    prefs.setInt ("UIScale", 80);
     processor->getPluginState().setAdvancedPaneIsOpen (false);
-    auto editor = makeEditor (*processor, prefs);
+    auto editor = makeEditor (*processor);
     EXPECT_EQ (editor->getWidth(), 453);
     EXPECT_EQ (editor->getHeight(), (int)std::floor (453.0f / 457.0f * 380.0f));
 }
@@ -61,10 +61,10 @@ TEST (TRQAudioProcessorEditor, AAXKeepsItsMinimumWidth)
 TEST (TRQAudioProcessorEditor, AlwaysOpenPreferenceBeatsTheStoredState)
 {
     auto processor = ProcessorTestSupport::make();
-    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
-    prefs->setInt ("AlwaysOpenAdvPane", 1);
+    PreferencesFile prefs;
+    prefs.setInt ("AlwaysOpenAdvPane", 1);
     processor->getPluginState().setAdvancedPaneIsOpen (false);
-    auto editor = makeEditor (*processor, prefs);
+    auto editor = makeEditor (*processor);
     EXPECT_TRUE (editor->isAdvancedPaneOpen());
     EXPECT_EQ (editor->getWidth(), 793);
 }
@@ -72,7 +72,7 @@ TEST (TRQAudioProcessorEditor, AlwaysOpenPreferenceBeatsTheStoredState)
 TEST (TRQAudioProcessorEditor, HostValuesReachControlsThroughTheTimer)
 {
     auto processor = ProcessorTestSupport::make();
-    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    auto editor = makeEditor (*processor);
     auto& power = processor->getAudioParameter (0);
     power.setValueNotifyingHost (0.0f);
     editor->tick();
@@ -88,7 +88,7 @@ TEST (TRQAudioProcessorEditor, HostValuesReachControlsThroughTheTimer)
 TEST (TRQAudioProcessorEditor, HostShortcutsSeeControlsOnly)
 {
     auto processor = ProcessorTestSupport::make();
-    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    auto editor = makeEditor (*processor);
     EXPECT_EQ (editor->getControlParameterIndex (*editor->getControl (17)), 17);
     EXPECT_EQ (editor->getControlParameterIndex (editor->getLayout()), -1);
 }
@@ -96,9 +96,9 @@ TEST (TRQAudioProcessorEditor, HostShortcutsSeeControlsOnly)
 TEST (TRQAudioProcessorEditor, DarkModeAndLanguageAreStored)
 {
     auto processor = ProcessorTestSupport::make();
-    auto prefs = std::make_shared<TRQMemoryPreferenceSource>();
+    PreferencesFile prefs;
     {
-        auto editor = makeEditor (*processor, prefs);
+        auto editor = makeEditor (*processor);
         int signalled = -1;
         TRQSignals::Trackable listener;
         editor->languageChanged.connect (&listener, [&signalled] (int l) { signalled = l; });
@@ -108,15 +108,19 @@ TEST (TRQAudioProcessorEditor, DarkModeAndLanguageAreStored)
         // Asemic shows the English panel.
         EXPECT_EQ (editor->getLayout().getLanguage(), TRQLanguage::English);
     }
-    auto next = makeEditor (*processor, prefs);
+    // Kept compact, which no write of ours is.
+    const juce::String stored (prefs.stored().dump());
+    prefs.file().replaceWithText (stored);
+    auto next = makeEditor (*processor);
     EXPECT_EQ (next->getLayout().getStyle(), 1);
-    EXPECT_EQ (next->getPreferences().language, TRQLanguage::Asemic);
+    EXPECT_EQ (next->getPreferences().language.get(), TRQLanguage::Asemic);
+    EXPECT_EQ (prefs.file().loadFileAsString(), stored) << "opening wrote nothing";
 }
 
 TEST (TRQAudioProcessorEditor, GesturesBecomeUndoSteps)
 {
     auto processor = ProcessorTestSupport::make();
-    auto editor = makeEditor (*processor, std::make_shared<TRQMemoryPreferenceSource>());
+    auto editor = makeEditor (*processor);
     auto& undo = processor->getUndoManager();
     // Gestures close together join one step; these two are a minute apart.
     std::int64_t now = 1000000;

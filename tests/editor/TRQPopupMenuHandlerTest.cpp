@@ -11,6 +11,7 @@
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
 #include "state/TRQUndoManager.h"
+#include "support/PreferencesFile.h"
 #include "support/PresetFolder.h"
 
 #include <gtest/gtest.h>
@@ -93,12 +94,12 @@ protected:
             {PresetFolder::section ("User", {PresetFolder::fullPreset ("Mine", "u-1", {{2, 30.0f}})})});
         processor = ProcessorTestSupport::make();
         processor->getPluginState().setAdvancedPaneIsOpen (false);
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        prefs = std::make_shared<PreferencesFile>();
     }
 
     TRQAudioProcessorEditor& makeEditor()
     {
-        editor = std::make_unique<TRQAudioProcessorEditor> (*processor, prefs);
+        editor = std::make_unique<TRQAudioProcessorEditor> (*processor);
         editor->setClipboard (
             {[this] { return clipboardText; }, [this] (const juce::String& text) { clipboardText = text; }});
         editor->setUrlLauncher (
@@ -125,7 +126,7 @@ protected:
     static constexpr const char* defaultUuid = TRQPresetController::factoryDefaultUuid;
     PresetFolder folder;
     std::unique_ptr<TRQAudioProcessor> processor;
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
+    std::shared_ptr<PreferencesFile> prefs;
     std::unique_ptr<TRQAudioProcessorEditor> editor;
     juce::String clipboardText;
     juce::StringArray launched;

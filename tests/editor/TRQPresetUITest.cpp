@@ -3,13 +3,18 @@
 #include "editor/PresetWindowSupport.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQMenuItemId.h"
 #include "editor/TRQPresetModal.h"
 #include "editor/TRQPresetView.h"
 #include "editor/TRQToolbar.h"
 #include "presets/TRQPresetController.h"
+#include "state/TRQAudioParameter.h"
+#include "support/PreferencesFile.h"
 #include "support/PresetFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 // The preset interface's rules off screen: layout, button states, the modal back
 // stack, the forms' checks and the row menu. The window tests drive the same parts
@@ -22,12 +27,12 @@ protected:
     void SetUp() override
     {
         PresetWindowSupport::writeFactory (folder);
-        prefs = std::make_shared<TRQMemoryPreferenceSource>();
+        prefs = std::make_shared<PreferencesFile>();
     }
 
     std::unique_ptr<TRQAudioProcessorEditor> makeEditor (TRQAudioProcessor& processor)
     {
-        return std::make_unique<TRQAudioProcessorEditor> (processor, prefs);
+        return std::make_unique<TRQAudioProcessorEditor> (processor);
     }
 
     static TRQPresetModal* form (TRQAudioProcessorEditor& editor)
@@ -38,7 +43,7 @@ protected:
     static void pump() { juce::MessageManager::getInstance()->runDispatchLoopUntil (20); }
 
     PresetFolder folder;
-    std::shared_ptr<TRQMemoryPreferenceSource> prefs;
+    std::shared_ptr<PreferencesFile> prefs;
 };
 } // namespace
 
@@ -149,9 +154,9 @@ TEST_F (PresetUI, ModalBackStack)
     pump();
     EXPECT_EQ (editor->getModalViewer().retiredCount(), 0u);
 
-    // Save under a taken name: the replace form, then both close.
+    // Save under a name another instance took since the list was read: the replace
+    // form, then both close.
     PresetWindowSupport::writeUser (folder, {{"Taken", 1.0f}});
-    processor->getPresetController()->reload();
     editor->openModal (2, true, {});
     form (*editor)->getNameEditor()->setText ("Taken");
     EXPECT_FALSE (form (*editor)->submit());
@@ -255,6 +260,68 @@ TEST_F (PresetUI, RowMenuAndKeys)
     editor->openModal (1, true, {});
     EXPECT_TRUE (view.keyPressed (juce::KeyPress (juce::KeyPress::escapeKey)));
     EXPECT_EQ (editor->getModalState(), 0);
+}
+
+// A user file that can't be written: each form, from the browser or the context menu,
+// stays open with the problem, and the toolbar still shows the changed preset. The
+// browser says so above the list for what it changes itself, and for a file it
+// can't read.
+TEST_F (PresetUI, AFailedWriteIsSaidAndKeepsTheForm)
+{
+    PresetWindowSupport::writeUser (folder, {{"Mine", 1.0f}, {"Other", 2.0f}});
+    auto processor = ProcessorTestSupport::make();
+    auto editor = makeEditor (*processor);
+    auto controller = processor->getPresetController();
+    controller->selectUuid ("u-1");
+    processor->getAudioParameter (1).setValueNotifyingHost (0.9f);
+    editor->tick();
+    ASSERT_TRUE (controller->getIsModified());
+    const auto label = editor->getToolbar()->getButton (TRQToolbar::Presets)->getLabelText (0);
+    const auto text = folder.user().loadFileAsString();
+    ::chmod (folder.user().getFullPathName().toRawUTF8(), 0444);
+    const juce::String problem = "HvnUserPresets.json is Read-Only";
+
+    const auto editing = [] (int kind)
+    {
+        TRQModalViewer::ModalSettings settings;
+        settings.hasForm = true;
+        settings.set (0, kind).set (3, "u-1");
+        return settings;
+    };
+    using TRQMenuItemId::encode;
+    const std::vector<std::pair<const char*, std::function<void()>>> openings{
+        {"menu save", [&] { editor->menuItemChosen (encode (TRQMenuItemId::saveAsNewPreset, 0), {}); }},
+        {"menu update", [&] { editor->menuItemChosen (encode (TRQMenuItemId::updatePreset, 0), {}); }},
+        {"edit", [&] { editor->openModal (2, true, editing (TRQPresetModal::editForm)); }},
+        {"delete", [&] { editor->openModal (2, true, editing (TRQPresetModal::deleteForm)); }}};
+    for (const auto& [what, openForm] : openings)
+    {
+        openForm();
+        auto* opened = form (*editor);
+        ASSERT_NE (opened, nullptr) << what;
+        if (auto* name = opened->getNameEditor())
+            name->setText (name->getText() + " 2");
+        EXPECT_FALSE (opened->submit()) << what;
+        EXPECT_EQ (form (*editor), opened) << what;
+        EXPECT_EQ (opened->getError(), problem) << what;
+        EXPECT_TRUE (controller->getIsModified()) << what;
+        EXPECT_EQ (editor->getToolbar()->getButton (TRQToolbar::Presets)->getLabelText (0), label) << what;
+        editor->closeModal (5);
+    }
+    EXPECT_EQ (folder.user().loadFileAsString(), text);
+
+    editor->openModal (1, true, {});
+    auto& view = *editor->getPresetView();
+    view.rowMenuChosen (controller->indexOfUuid ("u-2").value, TRQPresetView::makeDefaultItem);
+    pump();
+    EXPECT_EQ (view.getBody().getNotice(), problem);
+    ::chmod (folder.user().getFullPathName().toRawUTF8(), 0644);
+
+    folder.user().replaceWithText ("{ \"0002\": ");
+    editor->closeModal (1);
+    editor->openModal (1, true, {});
+    EXPECT_EQ (view.getBody().getNotice(), "Can't Read User Presets: Error at Line 1 of HvnUserPresets.json");
+    EXPECT_FALSE (controller->indexOfUuid ("u-1").present);
 }
 
 // The current row is in view after opening, however long the list.

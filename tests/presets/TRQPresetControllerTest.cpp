@@ -4,9 +4,15 @@
 #include "state/TRQAudioParameter.h"
 #include "state/TRQParameterManager.h"
 #include "state/TRQUndoManager.h"
+#include "support/ChildTest.h"
 #include "support/PresetFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <set>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -66,6 +72,50 @@ protected:
         return controller->getPreset (controller->getCurrentPresetIndex()).value.name;
     }
     std::uint32_t indexOf (const juce::String& uuid) { return controller->indexOfUuid (uuid).value; }
+
+    // Factory presets, and the user's "Mine" and "Other", with "Mine" selected and changed.
+    void startOnAChangedUserPreset()
+    {
+        writeFactory();
+        PresetFolder::write (folder.user(),
+                             {PresetFolder::section ("User", {PresetFolder::fullPreset ("Mine", "u-1"),
+                                                              PresetFolder::fullPreset ("Other", "u-2")})});
+        makeProcessor();
+        controller->selectUuid ("u-1");
+        set (2, 66.0f);
+    }
+
+    // What a change that wasn't written must leave as it was: the list, the selection,
+    // the default, the modified flag, and silence.
+    juce::String seen()
+    {
+        juce::String text;
+        for (const auto& preset : controller->getPresets())
+            text << preset.uuid << " ";
+        const auto signals = listener.names.size() + listener.modifiedFlags.size() +
+                             static_cast<std::size_t> (listener.defaultChanges + listener.loads);
+        return text << (int)controller->getCurrentPresetIndex() << " "
+                    << (int)controller->getDefaultPresetIndex() << " " << (int)controller->getIsModified()
+                    << " " << (int)signals;
+    }
+
+    // Every change to the user's file, each giving what it came to.
+    std::vector<std::pair<const char*, std::function<juce::Result()>>> everyChange()
+    {
+        return {{"save",
+                 [this]
+                 {
+                     EXPECT_TRUE (controller->savePreset ("New", "", "", currentValues()).isEmpty());
+                     return controller->lastWriteResult();
+                 }},
+                {"replace",
+                 [this] { return controller->replacePreset ("u-1", "Mine", "", "", currentValues()); }},
+                {"update", [this] { return controller->updatePreset ("u-1", "", currentValues()); }},
+                {"edit", [this] { return controller->editPreset ("u-1", "Renamed", "note"); }},
+                {"delete", [this] { return controller->deletePreset (indexOf ("u-1")); }},
+                {"move", [this] { return controller->movePreset (indexOf ("u-2"), 0); }},
+                {"make default", [this] { return controller->makeDefault ("u-2", true); }}};
+    }
 
     TRQPresetController::Values currentValues()
     {
@@ -479,4 +529,192 @@ TEST_F (PresetControllerTest, ASavedSessionBringsBackItsPresetLocksAndValues)
     EXPECT_EQ (fresh->getPluginState().getLockStates(), p->getPluginState().getLockStates());
     for (int i = 0; i < 21; ++i)
         EXPECT_EQ (fresh->getAudioParameter (i).getValue(), p->getAudioParameter (i).getValue()) << i;
+}
+
+// A user file that can't be read or written: every change says why, writes nothing,
+// and leaves the list, the selection, the default and the modified flag.
+TEST_F (PresetControllerTest, AChangeThatCannotBeWrittenChangesNothing)
+{
+    const auto user = folder.user();
+    const auto chmod = [] (const juce::File& f, mode_t mode)
+    { ::chmod (f.getFullPathName().toRawUTF8(), mode); };
+    struct Case
+    {
+        const char* what;
+        std::function<void()> spoil, mend;
+        const char* problem;
+        bool unreadable = false;
+    };
+    const std::vector<Case> cases{
+        {"read-only file", [&] { chmod (user, 0444); }, [&] { chmod (user, 0644); },
+         "HvnUserPresets.json is Read-Only"},
+        {"read-only folder", [&] { chmod (user.getParentDirectory(), 0555); },
+         [&] { chmod (user.getParentDirectory(), 0755); }, "The Folder of HvnUserPresets.json is Read-Only"},
+        {"folder in its place",
+         [&]
+         {
+             user.deleteFile();
+             user.createDirectory();
+         },
+         [&] { user.deleteRecursively(); }, "HvnUserPresets.json is a Folder, Not a File", true},
+        {"syntax error", [&] { user.replaceWithText ("{\n    \"0002\": {,\n}"); }, [] {},
+         "Error at Line 2 of HvnUserPresets.json", true},
+        {"presets of another form",
+         [&]
+         { user.replaceWithText (R"({"0002": {"sections": [{"section": "User", "presets": {"0": {}}}]}})"); },
+         [] {}, "HvnUserPresets.json is Damaged"},
+    };
+    for (const auto& c : cases)
+    {
+        startOnAChangedUserPreset();
+        c.spoil();
+        const auto text = user.existsAsFile() ? user.loadFileAsString() : juce::String();
+        const auto before = seen();
+        for (const auto& [change, run] : everyChange())
+        {
+            EXPECT_EQ (run().getErrorMessage(), c.problem) << c.what << ", " << change;
+            EXPECT_EQ (seen(), before) << c.what << ", " << change;
+            EXPECT_EQ (user.existsAsFile() ? user.loadFileAsString() : juce::String(), text)
+                << c.what << ", " << change;
+        }
+        EXPECT_EQ (user.getParentDirectory().getNumberOfChildFiles (juce::File::findFilesAndDirectories, "*"),
+                   1)
+            << c.what << ": no file was left behind";
+        // Looking again before a decision leaves the list when the file can't be read
+        // at all; a file that reads is listed anew.
+        const auto refreshed = controller->refresh();
+        EXPECT_EQ (refreshed.failed(), c.unreadable) << c.what;
+        if (c.unreadable)
+        {
+            EXPECT_EQ (refreshed.getErrorMessage(), c.problem);
+            EXPECT_EQ (seen(), before) << c.what;
+        }
+        c.mend();
+    }
+}
+
+// Two instances in two processes saving at the same moment: each keeps every preset
+// of the other.
+TEST_F (PresetControllerTest, TwoProcessesSavingAtOnceKeepEveryPreset)
+{
+    const auto go = folder.user().getSiblingFile ("go");
+    go.getParentDirectory().createDirectory();
+    std::vector<std::unique_ptr<juce::ChildProcess>> children;
+    for (const char* tag : {"A", "B"})
+        children.push_back (ChildTest::start ("PresetControllerTest.SavesInAnotherProcess",
+                                              folder.user().getFullPathName() + "|" + tag));
+    go.create();
+    for (auto& child : children)
+    {
+        ASSERT_NE (child, nullptr);
+        EXPECT_EQ (ChildTest::failureOf (*child), "");
+    }
+    const auto list = PresetFolder::read (folder.user())["0002"]["sections"][0]["presets"];
+    std::set<std::string> names;
+    for (const auto& preset : list)
+        names.insert (preset["name"].get<std::string>());
+    EXPECT_EQ (names.size(), 60u);
+    EXPECT_EQ (list.size(), 60u);
+}
+
+// One of the two processes above.
+TEST_F (PresetControllerTest, SavesInAnotherProcess)
+{
+    const auto role = juce::StringArray::fromTokens (ChildTest::role(), "|", "");
+    if (role.size() != 2)
+        GTEST_SKIP() << "run by TwoProcessesSavingAtOnceKeepEveryPreset";
+    TRQPresetFiles::setLocations ({juce::File (role[0]), folder.factory()});
+    makeProcessor();
+    const auto go = juce::File (role[0]).getSiblingFile ("go");
+    for (int i = 0; i < 1000 && !go.exists(); ++i)
+        juce::Thread::sleep (5);
+    for (int i = 0; i < 30; ++i)
+        ASSERT_TRUE (
+            controller->savePreset (role[1] + " " + juce::String (i), "", "", currentValues()).isNotEmpty());
+}
+
+// A full disk, as a file size limit in a process of its own.
+TEST_F (PresetControllerTest, AFullDiskWritesNothing)
+{
+    writeFactory();
+    PresetFolder::write (folder.user(),
+                         {PresetFolder::section ("User", {PresetFolder::fullPreset ("Mine", "u-1")})});
+    const auto text = folder.user().loadFileAsString();
+    auto child =
+        ChildTest::start ("PresetControllerTest.WritesOnAFullDisk",
+                          folder.user().getFullPathName() + "|" + folder.factory().getFullPathName());
+    ASSERT_NE (child, nullptr);
+    EXPECT_EQ (ChildTest::failureOf (*child), "");
+    EXPECT_EQ (folder.user().loadFileAsString(), text);
+    EXPECT_EQ (
+        folder.user().getParentDirectory().getNumberOfChildFiles (juce::File::findFilesAndDirectories, "*"),
+        1);
+}
+
+// The process of the test above.
+TEST_F (PresetControllerTest, WritesOnAFullDisk)
+{
+    const auto role = juce::StringArray::fromTokens (ChildTest::role(), "|", "");
+    if (role.size() != 2)
+        GTEST_SKIP() << "run by AFullDiskWritesNothing";
+    TRQPresetFiles::setLocations ({juce::File (role[0]), juce::File (role[1])});
+    makeProcessor();
+    controller->selectUuid ("u-1");
+    set (2, 66.0f);
+    const auto before = seen();
+
+    std::signal (SIGXFSZ, SIG_IGN);
+    struct rlimit limit;
+    ASSERT_EQ (::getrlimit (RLIMIT_FSIZE, &limit), 0);
+    limit.rlim_cur = 64;
+    ASSERT_EQ (::setrlimit (RLIMIT_FSIZE, &limit), 0);
+
+    const juce::String full = "Disk Full: HvnUserPresets.json Left Unchanged";
+    EXPECT_TRUE (controller->savePreset ("New", "", "", currentValues()).isEmpty());
+    EXPECT_EQ (controller->lastWriteResult().getErrorMessage(), full);
+    EXPECT_EQ (controller->updatePreset ("u-1", "", currentValues()).getErrorMessage(), full);
+    EXPECT_EQ (controller->deletePreset (indexOf ("u-1")).getErrorMessage(), full);
+    EXPECT_EQ (seen(), before);
+}
+
+// A shared file of 50 MB, most of it another plug-in's, holding 10,000 of our presets,
+// starting with a byte-order mark and reached through a link (names of every script
+// and length are saved through the window in PresetWindow.BadInputKeepsEveryPreset).
+// Listing, saving and deleting stay right, the other plug-in's entry stays as it was
+// and the link stays a link.
+TEST_F (PresetControllerTest, ABigSharedFileReachedThroughALink)
+{
+    nlohmann::json presets = nlohmann::json::array();
+    for (int i = 0; i < 10000; ++i)
+        presets.push_back (PresetFolder::fullPreset ("P" + std::to_string (i), "u-" + std::to_string (i)));
+    nlohmann::json theirs = nlohmann::json::array();
+    for (int i = 0; i < 40000; ++i)
+        theirs.push_back (std::string (1000, static_cast<char> ('a' + i % 26)));
+    nlohmann::json document;
+    document["0001"] = {{"blob", theirs}};
+    document["0002"]["sections"] = nlohmann::json::array ({PresetFolder::section ("User", presets)});
+    const auto real = folder.user().getSiblingFile ("Real Presets.json");
+    real.getParentDirectory().createDirectory();
+    const auto text = "\xEF\xBB\xBF" + document.dump (4);
+    ASSERT_TRUE (real.replaceWithData (text.data(), text.size()));
+    ASSERT_GT (real.getSize(), 50 * 1000 * 1000);
+    ASSERT_TRUE (real.createSymbolicLink (folder.user(), true));
+
+    makeProcessor();
+    EXPECT_EQ (controller->getPresets().size(), 10000u);
+    const auto name = juce::String::repeatedString ("Long", 125);
+    const auto uuid = controller->savePreset (name, "", "", currentValues());
+    ASSERT_TRUE (uuid.isNotEmpty()) << controller->lastWriteResult().getErrorMessage();
+    EXPECT_EQ (controller->nameOfUuid (uuid).value, name);
+    ASSERT_TRUE (controller->deletePreset (indexOf ("u-5000")).wasOk());
+    EXPECT_EQ (controller->getPresets().size(), 10000u);
+    EXPECT_FALSE (controller->indexOfUuid ("u-5000"));
+    EXPECT_EQ (controller->getPresets()[5000].uuid, "u-5001");
+
+    EXPECT_TRUE (folder.user().isSymbolicLink());
+    const auto written = PresetFolder::read (real);
+    EXPECT_TRUE (written["0001"] == document["0001"]);
+    const auto& list = written["0002"]["sections"][0]["presets"];
+    ASSERT_EQ (list.size(), 10000u);
+    EXPECT_EQ (list[9999]["uuid"], uuid.toStdString());
 }

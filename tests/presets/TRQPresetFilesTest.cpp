@@ -99,6 +99,56 @@ TEST (TRQPresetFiles, OffersPresetsOnlyForTheirChannelPairs)
     EXPECT_EQ (readBoth (1, 1).presets.size(), 3u);
 }
 
+// A field of the wrong type costs that field, or that one preset for a uuid; every
+// other preset of the file is listed.
+TEST (TRQPresetFiles, AWrongTypeHidesOnlyWhatItSpoils)
+{
+    struct Case
+    {
+        const char* field;
+        nlohmann::json value;
+        std::size_t listed;
+    };
+    const std::vector<Case> cases{
+        {"favorite", 7, 3},
+        {"note", nlohmann::json::array ({"a"}), 3},
+        {"uuid", 42, 2},
+        {"channels", "stereo", 3},
+        {"channels", nlohmann::json::array ({nlohmann::json::array ({"in", "out"})}), 3},
+        {"values", nlohmann::json::array ({1, 2}), 3}};
+    for (const auto& c : cases)
+    {
+        PresetFolder folder;
+        auto odd = PresetFolder::preset ("Odd", "o", {{1, 3.0f}});
+        odd["note"] = "kept";
+        const bool ofThePlugin = std::string (c.field) == "favorite";
+        if (!ofThePlugin)
+            odd[c.field] = c.value;
+        PresetFolder::write (
+            folder.user(), {PresetFolder::section ("User", {PresetFolder::preset ("A", "a", {{1, 1.0f}}), odd,
+                                                            PresetFolder::preset ("B", "b", {{1, 2.0f}})})});
+        if (ofThePlugin)
+        {
+            auto document = PresetFolder::read (folder.user());
+            document["0002"]["favorite"] = c.value;
+            folder.user().replaceWithText (juce::String (document.dump()));
+        }
+
+        TRQPresetFiles::Contents contents;
+        EXPECT_TRUE (TRQPresetFiles::read (folder.user(), PresetKind::user, 2, 2, contents).wasOk())
+            << c.field;
+        ASSERT_EQ (contents.presets.size(), c.listed) << c.field;
+        EXPECT_EQ (contents.presets.back().name, "B") << c.field;
+        EXPECT_TRUE (contents.favourites.empty()) << c.field;
+        if (c.listed == 3)
+        {
+            const auto& read = contents.presets[1];
+            EXPECT_EQ (read.note, std::string (c.field) == "note" ? "" : "kept") << c.field;
+            EXPECT_EQ ((bool)read.values[1], std::string (c.field) != "values") << c.field;
+        }
+    }
+}
+
 TEST (TRQPresetFiles, ADamagedFileKeepsWhatWasReadBeforeTheDamage)
 {
     PresetFolder folder;
@@ -111,7 +161,10 @@ TEST (TRQPresetFiles, ADamagedFileKeepsWhatWasReadBeforeTheDamage)
     PresetFolder::write (folder.factory(),
                          {PresetFolder::section ("Factory", {PresetFolder::preset ("F", "f", {})})});
 
-    const auto contents = readBoth();
+    TRQPresetFiles::Contents contents;
+    EXPECT_EQ (TRQPresetFiles::read (folder.user(), PresetKind::user, 2, 2, contents).getErrorMessage(),
+               "HvnUserPresets.json is Damaged");
+    EXPECT_TRUE (TRQPresetFiles::read (folder.factory(), PresetKind::factory, 2, 2, contents).wasOk());
     ASSERT_EQ (contents.presets.size(), 2u);
     EXPECT_EQ (contents.presets[0].name, "Good");
     EXPECT_EQ (contents.presets[1].name, "F") << "the next file is still read";
@@ -119,8 +172,14 @@ TEST (TRQPresetFiles, ADamagedFileKeepsWhatWasReadBeforeTheDamage)
     EXPECT_EQ (contents.sections[0].title, "Mine");
     EXPECT_EQ (contents.presets[1].section, 1u);
 
-    folder.factory().replaceWithText ("{\"0002\": {\"sections\": [ {\"section\": \"S\", \"presets\": [");
+    folder.factory().replaceWithText ("{\"0002\": {\"sections\": [\n {\"section\": \"S\", \"presets\": [");
     EXPECT_EQ (readBoth().presets.size(), 1u) << "text that isn't JSON reads as nothing";
+    contents = {};
+    EXPECT_EQ (TRQPresetFiles::read (folder.factory(), PresetKind::factory, 2, 2, contents).getErrorMessage(),
+               "Error at Line 2 of TQPresets.json");
+    folder.factory().replaceWithData ("\xEF\xBB\xBF \r\n", 6);
+    EXPECT_TRUE (TRQPresetFiles::read (folder.factory(), PresetKind::factory, 2, 2, contents).wasOk())
+        << "blanks and a byte-order mark are an empty file";
 }
 
 TEST (TRQPresetFiles, AWriteMakesTheFileWithAUserSectionAndKeepsOtherPlugins)
@@ -128,9 +187,10 @@ TEST (TRQPresetFiles, AWriteMakesTheFileWithAUserSectionAndKeepsOtherPlugins)
     PresetFolder folder;
     ASSERT_TRUE (
         TRQPresetFiles::modifyUserFile (folder.user(),
-                                        [] (nlohmann::json& plugin) {
+                                        [] (TRQPresetFiles::Json& plugin) {
                                             plugin["sections"][0]["presets"].push_back ({{"name", "N"}});
-                                        }));
+                                        })
+            .wasOk());
     const auto text = folder.user().loadFileAsString();
     EXPECT_TRUE (text.contains ("\r\n"));
     EXPECT_TRUE (text.contains ("\r\n    \"0002\": {")) << "indented by four";
@@ -142,8 +202,9 @@ TEST (TRQPresetFiles, AWriteMakesTheFileWithAUserSectionAndKeepsOtherPlugins)
 
     document["0001"] = {{"sections", nlohmann::json::array()}, {"favorite", "other"}};
     folder.user().replaceWithText (juce::String (document.dump()));
-    ASSERT_TRUE (TRQPresetFiles::modifyUserFile (folder.user(),
-                                                 [] (nlohmann::json& plugin) { plugin["favorite"] = "x"; }));
+    ASSERT_TRUE (TRQPresetFiles::modifyUserFile (folder.user(), [] (TRQPresetFiles::Json& plugin)
+                                                 { plugin["favorite"] = "x"; })
+                     .wasOk());
     document = PresetFolder::read (folder.user());
     EXPECT_EQ (document["0001"]["favorite"], "other");
     EXPECT_EQ (document["0002"]["favorite"], "x");
@@ -154,7 +215,9 @@ TEST (TRQPresetFiles, AUserFileThatIsNotJSONIsLeftAsItIs)
     PresetFolder folder;
     folder.user().getParentDirectory().createDirectory();
     folder.user().replaceWithText ("my notes, not presets");
-    EXPECT_FALSE (TRQPresetFiles::modifyUserFile (folder.user(), [] (nlohmann::json&) {}));
+    EXPECT_EQ (
+        TRQPresetFiles::modifyUserFile (folder.user(), [] (TRQPresetFiles::Json&) {}).getErrorMessage(),
+        "Error at Line 1 of HvnUserPresets.json");
     EXPECT_EQ (folder.user().loadFileAsString(), "my notes, not presets");
 }
 
