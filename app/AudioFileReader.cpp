@@ -58,7 +58,7 @@ bool isReadableContainer (int major)
 
 AudioFileReader::AudioFileReader (const juce::File& file)
 {
-    const int fd = ::open (file.getFullPathName().toRawUTF8(), O_RDONLY | O_CLOEXEC);
+    const int fd = ::open (file.getFullPathName().toRawUTF8(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0)
         throw AudioFileError (juce::String ("cannot be read: ") + juce::String (std::strerror (errno)));
 

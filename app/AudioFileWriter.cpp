@@ -93,8 +93,10 @@ AudioFileWriter::AudioFileWriter (const juce::File& file, int format, int numCha
     , channels (numChannels)
 {
     const auto folder = target.getParentDirectory();
-    if (!folder.isDirectory() && !folder.createDirectory())
-        throw AudioFileError ("cannot create the folder " + folder.getFullPathName());
+    // Another job may be creating the same folder at the same moment.
+    if (const auto created = folder.createDirectory(); created.failed() && !folder.isDirectory())
+        throw AudioFileError ("cannot create the folder " + folder.getFullPathName() + ": " +
+                              created.getErrorMessage());
 
     std::random_device random;
     int fd = -1;

@@ -165,6 +165,9 @@ int BatchRender::run (const std::atomic<bool>& stop)
 
 void BatchRender::print (const BatchPlan::Item& item, FileRender::Outcome outcome, const FileRender& render)
 {
+    // Both streams may go to the terminal the progress line is on.
+    if (options.json || outcome == FileRender::Outcome::failed)
+        clearProgress();
     switch (outcome)
     {
     case FileRender::Outcome::rendered:
@@ -179,7 +182,6 @@ void BatchRender::print (const BatchPlan::Item& item, FileRender::Outcome outcom
         break;
     case FileRender::Outcome::failed:
         ++failed;
-        clearProgress();
         err << "zolk-render: " << item.input.getFullPathName() << ": " << render.getError() << std::endl;
         if (options.json)
             out << "{" << jsonPaths (item) << ", \"error\": " << juce::JSON::toString (render.getError())

@@ -162,5 +162,5 @@ juce::String RenderOptions::usage()
            "  --format F          wav16, wav24, wav32f, flac16 or flac24 (default: the input's own)\n"
            "  --overwrite         render outputs again that are already there\n"
            "  --json              one JSON object per file, then a summary object\n"
-           "Example: zolk-render --preset \"Dusty Breakbeat\" --out-dir Processed Samples/Drums";
+           "Example: zolk-render --preset \"Dusty Breakbeat\" --out-dir Processed/Drums Samples/Drums";
 }
