@@ -16,6 +16,17 @@ public:
     }
 };
 
+// What a batch writes: the input's own format, or one chosen for every file.
+enum class OutputFormat
+{
+    asInput,
+    wav16,
+    wav24,
+    wav32f,
+    flac16,
+    flac24
+};
+
 // The command line of zolk-render, parsed.
 struct RenderOptions
 {
@@ -32,6 +43,15 @@ struct RenderOptions
     double demoRate = 48000.0;
     bool bypass = false;
     bool json = false;
+
+    // Batch mode, chosen by --out-dir: every input file or folder rendered into outDir.
+    juce::File outDir; // none: a single render
+    juce::Array<juce::File> inputs;
+    int jobs = 0; // files rendered at once; 0: one per core
+    OutputFormat format = OutputFormat::asInput;
+    bool overwrite = false; // render outputs again that exist and are complete
+
+    bool isBatch() const { return outDir != juce::File(); }
 
     static RenderOptions parse (const juce::StringArray& arguments);
     static juce::String usage();

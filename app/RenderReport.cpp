@@ -21,31 +21,52 @@ juce::String textNumber (double value, int decimals)
 }
 } // namespace
 
+void RenderReport::Levels::add (const juce::AudioBuffer<float>& buffer, int numChannels, int startSample,
+                                int numSamples)
+{
+    for (int c = 0; c < numChannels; ++c)
+    {
+        peak = std::max (peak, buffer.getMagnitude (c, startSample, numSamples));
+        const float* data = buffer.getReadPointer (c, startSample);
+        for (int i = 0; i < numSamples; ++i)
+            sumOfSquares += static_cast<double> (data[i]) * data[i];
+    }
+    count += static_cast<double> (numChannels) * numSamples;
+}
+
+double RenderReport::Levels::peakDb() const
+{
+    return toDb (peak);
+}
+
+double RenderReport::Levels::rmsDb() const
+{
+    return count > 0.0 ? toDb (std::sqrt (sumOfSquares / count)) : -std::numeric_limits<double>::infinity();
+}
+
 double RenderReport::peakDb (const juce::AudioBuffer<float>& buffer)
 {
-    float peak = 0.0f;
-    for (int c = 0; c < buffer.getNumChannels(); ++c)
-        peak = std::max (peak, buffer.getMagnitude (c, 0, buffer.getNumSamples()));
-    return toDb (peak);
+    Levels levels;
+    levels.add (buffer, buffer.getNumChannels(), 0, buffer.getNumSamples());
+    return levels.peakDb();
 }
 
 double RenderReport::rmsDb (const juce::AudioBuffer<float>& buffer)
 {
-    double sum = 0.0;
-    for (int c = 0; c < buffer.getNumChannels(); ++c)
-    {
-        const float* data = buffer.getReadPointer (c);
-        for (int i = 0; i < buffer.getNumSamples(); ++i)
-            sum += static_cast<double> (data[i]) * data[i];
-    }
-    const double count = static_cast<double> (buffer.getNumChannels()) * buffer.getNumSamples();
-    return count > 0.0 ? toDb (std::sqrt (sum / count)) : -std::numeric_limits<double>::infinity();
+    Levels levels;
+    levels.add (buffer, buffer.getNumChannels(), 0, buffer.getNumSamples());
+    return levels.rmsDb();
 }
 
 juce::String RenderReport::toJson() const
 {
+    return "{" + toJsonMembers() + "}";
+}
+
+juce::String RenderReport::toJsonMembers() const
+{
     juce::String s;
-    s << "{\"latency_samples\": " << latencySamples << ", \"sample_rate\": " << jsonNumber (sampleRate, 1)
+    s << "\"latency_samples\": " << latencySamples << ", \"sample_rate\": " << jsonNumber (sampleRate, 1)
       << ", \"block_size\": " << blockSize << ", \"input_peak_dbfs\": " << jsonNumber (inputPeakDb, 2)
       << ", \"input_rms_dbfs\": " << jsonNumber (inputRmsDb, 2)
       << ", \"output_peak_dbfs\": " << jsonNumber (outputPeakDb, 2)
@@ -54,7 +75,7 @@ juce::String RenderReport::toJson() const
       << ", \"realtime_factor\": " << jsonNumber (realtimeFactor, 1)
       << ", \"preset\": " << (preset.isEmpty() ? juce::String ("null") : juce::JSON::toString (preset))
       << ", \"preset_modified\": " << (presetModified ? "true" : "false")
-      << ", \"settings_url\": " << juce::JSON::toString (settingsUrl) << "}";
+      << ", \"settings_url\": " << juce::JSON::toString (settingsUrl);
     return s;
 }
 

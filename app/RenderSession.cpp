@@ -1,5 +1,8 @@
 #include "app/RenderSession.h"
 
+#include "app/AudioFileReader.h"
+#include "app/AudioFileWriter.h"
+#include "app/BlockSizer.h"
 #include "app/DemoSignal.h"
 #include "core/HVNPublicDSP.h"
 #include "core/TRQAudioProcessor.h"
@@ -24,24 +27,6 @@ juce::AudioChannelSet channelSet (int channels)
 {
     return channels == 1 ? juce::AudioChannelSet::mono() : juce::AudioChannelSet::stereo();
 }
-
-// Block sizes between 1 and the maximum, the same sequence on every run.
-class BlockSizer
-{
-public:
-    BlockSizer (int maximum, bool random)
-        : maximum (maximum)
-        , random (random)
-    {
-    }
-
-    int next() { return random ? 1 + generator.nextInt (maximum) : maximum; }
-
-private:
-    int maximum;
-    bool random;
-    juce::Random generator{12345};
-};
 
 // Written beside the target and moved into place, so a failed write never leaves a
 // partial file under the requested name.
@@ -108,40 +93,39 @@ RenderSession::Audio RenderSession::readWav (const juce::File& file, const juce:
     if (!file.existsAsFile())
         throw RenderUsageError ("cannot read " + role + " " + file.getFullPathName() + ": no such file");
 
-    juce::WavAudioFormat wav;
-    std::unique_ptr<juce::AudioFormatReader> reader (
-        wav.createReaderFor (file.createInputStream().release(), true));
-    if (reader == nullptr)
-        throw RenderUsageError ("cannot read " + role + " " + file.getFullPathName() + ": not a WAV file");
-    if (reader->numChannels < 1 || reader->numChannels > 2)
-        throw RenderUsageError (role + " " + file.getFullPathName() + " has " +
-                                juce::String (reader->numChannels) + " channels; 1 or 2 are supported");
-    if (reader->lengthInSamples > std::numeric_limits<int>::max() / 2)
-        throw RenderUsageError (role + " " + file.getFullPathName() + " is too long");
-
-    Audio audio;
-    audio.sampleRate = reader->sampleRate;
-    audio.buffer.setSize (static_cast<int> (reader->numChannels), static_cast<int> (reader->lengthInSamples));
-    reader->read (&audio.buffer, 0, static_cast<int> (reader->lengthInSamples), 0, true, true);
-    return audio;
+    try
+    {
+        AudioFileReader reader (file);
+        if (reader.getNumChannels() < 1 || reader.getNumChannels() > 2)
+            throw RenderUsageError (role + " " + file.getFullPathName() + " has " +
+                                    juce::String (reader.getNumChannels()) +
+                                    " channels; 1 or 2 are supported");
+        Audio audio;
+        audio.sampleRate = reader.getSampleRate();
+        audio.buffer = reader.readAll();
+        return audio;
+    }
+    catch (const AudioFileError& e)
+    {
+        throw RenderUsageError ("cannot read " + role + " " + file.getFullPathName() + ": " + e.what());
+    }
 }
 
 void RenderSession::writeWav (const juce::File& file, const juce::AudioBuffer<float>& audio,
                               double sampleRate)
 {
-    writeAtomically (file,
-                     [&] (std::unique_ptr<juce::FileOutputStream> stream)
-                     {
-                         juce::WavAudioFormat wav;
-                         std::unique_ptr<juce::AudioFormatWriter> writer (
-                             wav.createWriterFor (stream.get(), sampleRate,
-                                                  static_cast<unsigned> (audio.getNumChannels()), 32, {}, 0));
-                         if (writer == nullptr)
-                             return false;
-                         stream.release();
-                         // A 32-bit WAV writer takes float samples when the format says so.
-                         return writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples());
-                     });
+    try
+    {
+        const int format = AudioFileWriter::formatFor (OutputFormat::wav32f, 0, audio.getNumChannels(),
+                                                       audio.getNumSamples());
+        AudioFileWriter writer (file, format, audio.getNumChannels(), sampleRate);
+        writer.write (audio, 0, audio.getNumSamples());
+        writer.commit();
+    }
+    catch (const AudioFileError& e)
+    {
+        throw RenderUsageError ("cannot write output " + file.getFullPathName() + ": " + e.what());
+    }
 }
 
 void RenderSession::restoreState (TRQAudioProcessor& processor, const juce::File& file)
@@ -197,6 +181,42 @@ std::unique_ptr<TRQAudioProcessor> RenderSession::makeProcessor (int ins, int ou
     return processor;
 }
 
+std::unique_ptr<TRQAudioProcessor> RenderSession::makeConfiguredProcessor (const RenderOptions& options,
+                                                                           int ins, int outs, int scs)
+{
+    auto processor = makeProcessor (ins, outs, scs);
+
+    // From the broadest to the most particular: a whole state, a preset, then single
+    // parameters.
+    if (options.stateIn != juce::File())
+        restoreState (*processor, options.stateIn);
+    if (options.preset.isNotEmpty())
+        applyPreset (*processor, options.preset);
+    for (const auto& [name, value] : options.settings)
+        applySetting (*processor, name, value);
+    return processor;
+}
+
+double RenderSession::gainReductionDb (TRQAudioProcessor& processor)
+{
+    if (processor.getDSP() == nullptr)
+        return 0.0;
+    const auto& dsp = processor.getDSP()->getCurrentDSP();
+    if (dsp == nullptr || dsp->meterValues.empty())
+        return 0.0;
+    return std::abs (static_cast<double> (dsp->meterValues[0])) * HVNCompressor::meterRangeDb;
+}
+
+void RenderSession::describeSettings (TRQAudioProcessor& processor, RenderReport& report)
+{
+    auto controller = processor.getPresetController();
+    controller->updateModified ({}, {});
+    if (const auto selected = controller->getPreset (controller->getCurrentPresetIndex()))
+        report.preset = selected.value.name;
+    report.presetModified = controller->getIsModified();
+    report.settingsUrl = TRQPresetURL::settingsAsUrl (processor);
+}
+
 juce::String RenderSession::listPresets()
 {
     const int ins =
@@ -250,17 +270,8 @@ RenderReport RenderSession::run()
     if (scs != ins && scs != 1)
         throw RenderUsageError ("a sidechain must have 1 channel or as many as the input");
 
-    const auto processor = makeProcessor (ins, outs, scs);
+    const auto processor = makeConfiguredProcessor (options, ins, outs, scs);
     auto& plugin = *processor;
-
-    // From the broadest to the most particular: a whole state, a preset, then single
-    // parameters.
-    if (options.stateIn != juce::File())
-        restoreState (plugin, options.stateIn);
-    if (options.preset.isNotEmpty())
-        applyPreset (plugin, options.preset);
-    for (const auto& [name, value] : options.settings)
-        applySetting (*processor, name, value);
 
     const double rate = input.sampleRate;
     processor->setRateAndBufferSizeDetails (rate, options.blockSize);
@@ -275,18 +286,7 @@ RenderReport RenderSession::run()
     juce::MidiBuffer midi;
     BlockSizer sizer (options.blockSize, options.randomBlocks);
 
-    // The compressor's figure of the last block, read on this (the rendering) thread.
     double maxReductionDb = 0.0;
-    const auto readReduction = [&]
-    {
-        if (plugin.getDSP() == nullptr)
-            return;
-        const auto& dsp = plugin.getDSP()->getCurrentDSP();
-        if (dsp != nullptr && !dsp->meterValues.empty())
-            maxReductionDb = std::max (maxReductionDb, std::abs (static_cast<double> (dsp->meterValues[0])) *
-                                                           HVNCompressor::meterRangeDb);
-    };
-
     const auto started = std::chrono::steady_clock::now();
     for (int position = 0; position < total;)
     {
@@ -308,7 +308,7 @@ RenderReport RenderSession::run()
             processor->processBlockBypassed (block, midi);
         else
             processor->processBlock (block, midi);
-        readReduction();
+        maxReductionDb = std::max (maxReductionDb, gainReductionDb (plugin));
 
         for (int c = 0; c < outs; ++c)
             output.copyFrom (c, position, block, c, 0, n);
@@ -321,9 +321,6 @@ RenderReport RenderSession::run()
     if (options.stateOut != juce::File())
         saveState (plugin, options.stateOut);
 
-    auto controller = plugin.getPresetController();
-    controller->updateModified ({}, {});
-
     RenderReport report;
     report.latencySamples = latency;
     report.sampleRate = rate;
@@ -334,9 +331,6 @@ RenderReport RenderSession::run()
     report.outputRmsDb = RenderReport::rmsDb (output);
     report.maxGainReductionDb = maxReductionDb;
     report.realtimeFactor = elapsed > 0.0 ? (total / rate) / elapsed : 0.0;
-    if (const auto selected = controller->getPreset (controller->getCurrentPresetIndex()))
-        report.preset = selected.value.name;
-    report.presetModified = controller->getIsModified();
-    report.settingsUrl = TRQPresetURL::settingsAsUrl (plugin);
+    describeSettings (plugin, report);
     return report;
 }

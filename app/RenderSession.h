@@ -32,6 +32,18 @@ public:
     // Selects a preset by its name, applying it as a click in the preset browser does.
     static void applyPreset (TRQAudioProcessor& processor, const juce::String& name);
 
+    // A processor with this layout, set up from the options' state, preset and
+    // settings, in that order. Throws RenderUsageError for a setting it refuses.
+    static std::unique_ptr<TRQAudioProcessor> makeConfiguredProcessor (const RenderOptions& options, int ins,
+                                                                       int outs, int scs);
+
+    // The compressor's gain reduction in the last block processed, in dB; read on the
+    // rendering thread.
+    static double gainReductionDb (TRQAudioProcessor& processor);
+
+    // The report's preset, its modified mark and the settings as a preset URL.
+    static void describeSettings (TRQAudioProcessor& processor, RenderReport& report);
+
     // The presets on offer for the input's layout, section by section, the default and
     // the selected one marked.
     juce::String listPresets();

@@ -9,7 +9,7 @@ packages=(
   build-essential cmake ninja-build pkg-config ccache
   juce-modules-source
   libgtest-dev libgmock-dev googletest libbenchmark-dev
-  libxsimd-dev libfftw3-dev nlohmann-json3-dev libsoxr-dev
+  libxsimd-dev libfftw3-dev nlohmann-json3-dev libsoxr-dev libsndfile1-dev
   xvfb xauth mesa-utils imagemagick sox x11-utils libx11-dev libxtst-dev
   clang libclang-rt-14-dev
   python3-markdown

@@ -1,6 +1,7 @@
 #include "app/RenderSession.h"
 #include "app/DemoSignal.h"
 #include "support/PresetFolder.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -9,15 +10,6 @@
 
 namespace
 {
-struct TempFolder
-{
-    juce::TemporaryFile holder{"zolk-render-test"};
-    juce::File dir = holder.getFile();
-    TempFolder() { dir.createDirectory(); }
-    ~TempFolder() { dir.deleteRecursively(); }
-    juce::File operator/ (const char* name) const { return dir.getChildFile (name); }
-};
-
 juce::AudioBuffer<float> readWav (const juce::File& file, double* rate = nullptr, int* bits = nullptr)
 {
     juce::WavAudioFormat wav;
