@@ -12,9 +12,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <iostream>
+#include <optional>
 #include <thread>
 
 #include <time.h>
@@ -253,31 +255,43 @@ TEST_F (EditorWindow, TabSkipsTheClosedPane)
 
 namespace
 {
-// Stands in for the DSP's meter taps: a steady level and gain reduction, block
-// after block, from a thread of its own as the audio thread would.
+// Stands in for the DSP's meter taps: sines of known peaks on the level taps and a
+// steady gain reduction (or none), block after block, from a thread of its own as
+// the audio thread would. A period of 48 samples puts a sample on each crest.
 class MeterFeeder
 {
 public:
-    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float peak,
-                 float reduction)
+    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float inputPeak,
+                 float outputPeak, std::optional<float> reduction)
         : messaging (std::move (m))
-        , block (channels, frames)
+        , input (channels, frames)
+        , output (channels, frames)
     {
         for (uint32_t c = 0; c < channels; ++c)
             for (uint32_t i = 0; i < frames; ++i)
-                block.channel (c)[i] = peak * std::sin (0.05 * (double)i);
+            {
+                const double wave = std::sin (juce::MathConstants<double>::twoPi * (double)i / 48.0);
+                input.channel (c)[i] = inputPeak * wave;
+                output.channel (c)[i] = outputPeak * wave;
+            }
         thread = std::thread (
             [this, frames, reduction]
             {
                 while (!stop.load())
                 {
-                    messaging->writeBuffer (MeterMessaging::inputLevelId, block, frames);
-                    messaging->writeBuffer (MeterMessaging::outputLevelId, block, frames);
-                    messaging->writeBuffer (MeterMessaging::detectorId, block, frames);
-                    messaging->writePoint (reduction);
+                    messaging->writeBuffer (MeterMessaging::inputLevelId, input, frames);
+                    messaging->writeBuffer (MeterMessaging::outputLevelId, output, frames);
+                    messaging->writeBuffer (MeterMessaging::detectorId, input, frames);
+                    if (reduction)
+                        messaging->writePoint (*reduction);
                     std::this_thread::sleep_for (std::chrono::milliseconds (10));
                 }
             });
+    }
+    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float peak,
+                 float reduction)
+        : MeterFeeder (std::move (m), channels, frames, peak, peak, reduction)
+    {
     }
     ~MeterFeeder()
     {
@@ -287,11 +301,221 @@ public:
 
 private:
     std::shared_ptr<MeterMessaging> messaging;
-    HVNAudioBuffer<double> block;
+    HVNAudioBuffer<double> input, output;
     std::atomic<bool> stop{false};
     std::thread thread;
 };
 
+float decibelsToGain (float db)
+{
+    return std::pow (10.0f, db / 20.0f);
+}
+
+// The scale beside a level bar: the rows of its ticks, top first, each the centre
+// of the ink that darkens the column against the panel.
+std::vector<float> tickRows (const juce::Image& shot, int column, int top, int bottom)
+{
+    std::vector<float> values;
+    for (int y = top; y < bottom; ++y)
+        values.push_back (brightness (shot.getPixelAt (column, y)));
+    auto sorted = values;
+    std::sort (sorted.begin(), sorted.end());
+    const float panel = sorted[sorted.size() / 2];
+    std::vector<float> rows;
+    float weight = 0.0f, sum = 0.0f;
+    for (int y = top; y <= bottom; ++y)
+    {
+        const float ink = y < bottom ? panel - values[(size_t)(y - top)] : 0.0f;
+        if (ink > 0.05f)
+        {
+            weight += ink;
+            sum += ink * ((float)y + 0.5f);
+        }
+        else if (weight > 0.0f)
+        {
+            rows.push_back (sum / weight);
+            weight = sum = 0.0f;
+        }
+    }
+    return rows;
+}
+
+// The top of a bar's lit part, to a fraction of a pixel: the first row of the
+// bar's column that is wholly the bar's red, less how much of the row above it
+// covers.
+float barTop (const juce::Image& shot, int column, int top, int bottom)
+{
+    auto redness = [&] (int y)
+    {
+        const auto c = shot.getPixelAt (column, y);
+        return (float)c.getRed() - (float)c.getGreen();
+    };
+    float full = 0.0f;
+    for (int y = top; y < bottom; ++y)
+        full = std::max (full, redness (y));
+    if (full < 60.0f)
+        return -1.0f;
+    for (int y = top + 1; y < bottom; ++y)
+        if (redness (y) >= 0.9f * full)
+            return (float)y - juce::jlimit (0.0f, 1.0f, redness (y - 1) / full);
+    return -1.0f;
+}
+} // namespace
+
+// Each level bar reads true against its own scale: a sine of a known peak lights
+// the bar up to that level's mark, whatever the window's size.
+TEST_F (EditorWindow, LevelBarsReadTrueAgainstTheirOwnScale)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    const auto& info = processor.getDSPInfo();
+    // Bars and their scales in canvas units: the bar's column, a column through the
+    // ticks, and the track they share with the fader.
+    struct Bar
+    {
+        const char* name;
+        float barX, tickX;
+    };
+    const Bar bars[] = {{"input", 19.0f, 15.25f}, {"output", 335.0f, 331.25f}};
+    for (int percent : {100, 200})
+    {
+        prefs->setInt ("UIScale", percent);
+        auto opened = open (processor, prefs);
+        auto& editor = *opened.editor;
+        pump (200);
+        ASSERT_NE (info.meterMessaging, nullptr);
+        auto pixel = [&editor] (float x, float y) { return canvasToEditor (editor, {x, y}).roundToInt(); };
+        // Rising levels, so that each settles on the fast attack.
+        for (float level : {-24.0f, -12.0f, -6.0f})
+        {
+            MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (level),
+                                decibelsToGain (level), std::nullopt);
+            pump (700);
+            const auto shot = capture (editor);
+            ASSERT_TRUE (shot.isValid());
+            if (level == -6.0f)
+                save (shot, "editor-meter-scale-" + juce::String (percent));
+            for (const auto& bar : bars)
+            {
+                SCOPED_TRACE (juce::String (bar.name) + " at " + juce::String (percent) + " %, " +
+                              juce::String (level) + " dBFS");
+                const int top = pixel (0.0f, 50.0f).y, bottom = pixel (0.0f, 276.0f).y;
+                const auto ticks = tickRows (shot, pixel (bar.tickX, 0.0f).x, top, bottom);
+                // 0 to -60 dB, a tick every 6 dB.
+                ASSERT_EQ (ticks.size(), 11u);
+                const float mark = ticks[(size_t)juce::roundToInt (-level / 6.0f)];
+                EXPECT_NEAR (barTop (shot, pixel (bar.barX, 0.0f).x, top, bottom), mark, 1.0f);
+            }
+        }
+    }
+    processor.releaseResources();
+}
+
+namespace
+{
+// How the gain-reduction history paints a point of the centre strip.
+enum class StripPaint
+{
+    plain,
+    area,
+    edge
+};
+
+StripPaint stripPaintAt (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    // White over the accent: the area lifts green from about 78 to 140, the edge
+    // to well over 200.
+    const int green = pixelAt (shot, editor, canvas).getGreen();
+    return green > 200 ? StripPaint::edge : green > 115 ? StripPaint::area : StripPaint::plain;
+}
+} // namespace
+
+// The history stands on the strip's bottom and falls from its top by the reduction,
+// newest on the left, within its own rectangle: 6 dB of reduction after a rest,
+// on a scale whose floor the rest has pinned at -12 dB, fills the newest columns
+// half way and the older ones wholly.
+TEST_F (EditorWindow, GainReductionHistoryAsDrawn)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    const auto& info = processor.getDSPInfo();
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    // With no reduction the floor rises to its upper limit, -12 dB, in 2.4 s.
+    pump (3000);
+    ASSERT_NE (info.meterMessaging, nullptr);
+    juce::Image shot;
+    {
+        MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, 0.1f, 0.1f, -6.0f);
+        pump (500);
+        shot = capture (editor);
+    }
+    ASSERT_TRUE (shot.isValid());
+    save (shot, "editor-history-6db");
+    const juce::Rectangle<float> strip (399.0f, 52.0f, 54.0f, 64.0f);
+    auto at = [&] (float x, float down)
+    { return stripPaintAt (shot, editor, strip.getPosition() + juce::Point<float> (x, down)); };
+    // Half of 6 dB on a 12 dB scale: the top edge 2 + 31 units above the bottom.
+    const float edgeDown = strip.getHeight() - 33.0f;
+    for (float x : {2.0f, 6.0f, 10.0f})
+    {
+        SCOPED_TRACE ("newest, column " + juce::String (x));
+        for (float down = 3.0f; down < edgeDown - 3.0f; down += 2.0f)
+            EXPECT_EQ (at (x, down), StripPaint::plain) << down;
+        for (float down = edgeDown + 3.0f; down < strip.getHeight() - 2.0f; down += 2.0f)
+            EXPECT_EQ (at (x, down), StripPaint::area) << down;
+        // A 2-unit edge line along the area's top.
+        int edgeRows = 0;
+        for (float down = edgeDown - 3.0f; down <= edgeDown + 3.0f; down += 0.25f)
+            edgeRows += at (x, down) == StripPaint::edge ? 1 : 0;
+        EXPECT_GE (edgeRows, 5) << "about 2 units of edge, in quarter steps";
+        EXPECT_LE (edgeRows, 12);
+    }
+    for (float x : {34.0f, 42.0f, 50.0f})
+        for (float down = 4.0f; down < strip.getHeight() - 2.0f; down += 4.0f)
+            EXPECT_EQ (at (x, down), StripPaint::area) << "older, column " << x << " at " << down;
+    // Nothing of it outside its rectangle.
+    for (auto outside : {juce::Point<float> (426.0f, 49.0f), juce::Point<float> (426.0f, 120.0f),
+                         juce::Point<float> (397.0f, 90.0f)})
+        EXPECT_EQ (stripPaintAt (shot, editor, outside), StripPaint::plain) << outside.toString();
+    processor.releaseResources();
+}
+
+// For the record: both bars at known levels and 12 dB of reduction in the history,
+// with the advanced pane open.
+TEST_F (EditorWindow, MetersAtKnownLevelsPicture)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    const auto& info = processor.getDSPInfo();
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    pump (300);
+    ASSERT_NE (info.meterMessaging, nullptr);
+    MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (-6.0f),
+                        decibelsToGain (-18.0f), -12.0f);
+    pump (1200);
+    const auto shot = capture (editor);
+    save (shot, "editor-meters");
+    // The input bar reaches past -12 dB, the output bar stops short of it, and the
+    // history has fallen from the strip's top.
+    EXPECT_TRUE (isReddish (pixelAt (shot, editor, {19.0f, 54.0f + 218.0f * 10.0f / 60.0f})));
+    EXPECT_FALSE (isReddish (pixelAt (shot, editor, {335.0f, 54.0f + 218.0f * 14.0f / 60.0f})));
+    EXPECT_EQ (stripPaintAt (shot, editor, {403.0f, 56.0f}), StripPaint::plain);
+    processor.releaseResources();
+}
+
+namespace
+{
 // Runs the processor on blocks of a sine until stopped, counting the blocks.
 class AudioRunner
 {
@@ -329,36 +553,6 @@ private:
 };
 } // namespace
 
-// The meters move on the GL thread from what the meter channel carries.
-TEST_F (EditorWindow, MetersFollowTheMeterChannel)
-{
-    if (!expectsGL())
-        GTEST_SKIP() << "no meters without OpenGL 3.2";
-    TRQAudioProcessor processor;
-    processor.prepareToPlay (48000.0, 256);
-    processor.getPluginState().setAdvancedPaneIsOpen (true);
-    auto opened = open (processor, prefs);
-    auto& editor = *opened.editor;
-    pump (200);
-    const auto messaging = processor.getDSPInfo().meterMessaging;
-    ASSERT_NE (messaging, nullptr);
-    {
-        MeterFeeder feeder (messaging, processor.getDSPInfo().numInputs, processor.getDSPInfo().blockSize,
-                            0.5f, -9.0f);
-        pump (1200);
-        const auto shot = capture (editor);
-        save (shot, "editor-meters");
-        // -6 dB of a [-60, 0] bar: the lower nine tenths are lit.
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {65.0f, 250.0f})));
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {381.0f, 250.0f})));
-        EXPECT_FALSE (isReddish (pixelAt (shot, editor, {65.0f, 56.0f})));
-        // Nine dB of reduction reach a good way down the history.
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {420.0f, 58.0f})) ||
-                     brightness (pixelAt (shot, editor, {420.0f, 58.0f})) < 0.95f);
-    }
-    processor.releaseResources();
-}
-
 // With the real signal chain running on a sine, the meters move by themselves.
 TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
 {
@@ -374,8 +568,8 @@ TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
         pump (1500);
         const auto shot = capture (editor);
         save (shot, "editor-meters-audio");
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {67.0f, 265.0f})));
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {383.0f, 265.0f})));
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {19.0f, 265.0f})));
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {335.0f, 265.0f})));
     }
     processor.releaseResources();
 }
