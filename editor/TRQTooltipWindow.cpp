@@ -17,7 +17,12 @@ bool TRQTooltipWindow::hitTest (int x, int y)
 
 juce::String TRQTooltipWindow::getTipFor (juce::Component& component)
 {
-    // The window shows the tip of the component under the mouse as of its last look.
-    lastTip = juce::TooltipWindow::getTipFor (component);
+    // JUCE offers tips only while the process's own window holds the keyboard focus;
+    // a plug-in's window inside a host seldom does, so the mouse alone decides here.
+    lastTip = {};
+    if (!juce::ModifierKeys::currentModifiers.isAnyMouseButtonDown())
+        if (auto* client = dynamic_cast<juce::TooltipClient*> (&component))
+            if (!component.isCurrentlyBlockedByAnotherModalComponent())
+                lastTip = client->getTooltip();
     return lastTip;
 }

@@ -63,6 +63,8 @@ void rightClick (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juc
 // transform (popup menus live there).
 void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods = {});
 void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas);
+// Moves the X server's own pointer, which JUCE asks where the mouse is (tooltips).
+void warpPointer (juce::Point<int> screen);
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
 // A key to whatever has focus; with a target, that target is given the focus first

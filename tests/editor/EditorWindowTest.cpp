@@ -3,9 +3,15 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQEditorGLState.h"
+#include "editor/TRQHUDControl.h"
+#include "editor/TRQLookAndFeel.h"
 #include "editor/TRQParameterGestures.h"
 #include "editor/TRQSlider.h"
 #include "editor/TRQTaskButtons.h"
+#include "editor/TRQTextButton.h"
+#include "editor/TRQToolbar.h"
+#include "editor/TRQTooltipWindow.h"
 #include "meters/MeterMessaging.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -512,6 +518,147 @@ TEST_F (EditorWindow, MetersAtKnownLevelsPicture)
     EXPECT_FALSE (isReddish (pixelAt (shot, editor, {335.0f, 54.0f + 218.0f * 14.0f / 60.0f})));
     EXPECT_EQ (stripPaintAt (shot, editor, {403.0f, 56.0f}), StripPaint::plain);
     processor.releaseResources();
+}
+
+namespace
+{
+// Keyboard focus to a component, asked again while the bare X server moves the input
+// focus elsewhere.
+bool focusOn (juce::Component& target)
+{
+    for (int attempt = 0; attempt < 40 && !target.hasKeyboardFocus (false); ++attempt)
+    {
+        target.grabKeyboardFocus();
+        pump (50);
+    }
+    return target.hasKeyboardFocus (false);
+}
+
+} // namespace
+
+// Tips name what the mouse rests on, the parameter for a control and the action
+// for a button; a press takes the tip away, and the tip's shadow margin lets the
+// mouse through to whatever lies under it.
+TEST_F (EditorWindow, TooltipsNameWhatTheMouseRestsOn)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    auto& tips = editor.getTooltipWindow();
+    auto centreOf = [&editor] (juce::Component& c)
+    { return editor.getRoot().getLocalArea (&c, c.getLocalBounds()).toFloat().getCentre(); };
+    auto restOn = [&] (juce::Point<float> canvas)
+    {
+        // The tip is placed by the pointer the X server reports: put it there too.
+        warpPointer (editor.localPointToGlobal (canvasToEditor (editor, canvas)).roundToInt());
+        mouseMove (editor, canvas);
+        mouseMove (editor, canvas + juce::Point<float> (0.5f, 0.0f));
+        // The tip comes after 700 ms of rest; the window looks eight times a second.
+        const auto before = tips.getTipShowing();
+        for (int waited = 0; waited < 2000 && tips.getTipShowing() == before; waited += 100)
+            pump (100);
+        pump (200);
+        return tips.getTipShowing();
+    };
+    const auto attack = centreOf (*editor.getControl (7));
+    EXPECT_EQ (restOn (attack), "Comp Attack Time Constant");
+    EXPECT_EQ (restOn (centreOf (*editor.getControl (16))), "HQ Mode");
+    EXPECT_EQ (restOn (centreOf (*editor.getToolbar()->getButton (TRQToolbar::Undo))), "Undo");
+    EXPECT_EQ (restOn (centreOf (*editor.getToolbar()->getButton (TRQToolbar::CopyAB))), "Copy A to B");
+    EXPECT_EQ (restOn (centreOf (editor.getHUD()->getButton (1))), "Noise Off");
+    EXPECT_EQ (restOn (TRQTaskButtons::frameOf (TRQTaskButtons::AdvancedControls).toFloat().getCentre()),
+               "Advanced Controls");
+
+    // The shadow margin passes the mouse on; the tip's box takes it.
+    EXPECT_EQ (restOn (attack), "Comp Attack Time Constant");
+    save (capture (editor), "editor-tooltip");
+    const auto tip = tips.getBounds();
+    const int margin = TRQLookAndFeel::tooltipMargin;
+    EXPECT_NE (editor.getRoot().getComponentAt (juce::Point<int> (tip.getX() + margin / 2, tip.getCentreY())),
+               &tips);
+    EXPECT_EQ (editor.getRoot().getComponentAt (tip.getCentre()), &tips);
+
+    // A press takes the tip away, and none comes while the button is down.
+    mouseDown (editor, attack);
+    pump (1200);
+    EXPECT_EQ (tips.getTipShowing(), "");
+    mouseUp (editor, attack);
+}
+
+namespace
+{
+float brightnessAt (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    return brightness (pixelAt (shot, editor, canvas));
+}
+
+// How many quarter units of a line across the ring differ from the plain ground.
+int ringQuarters (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> from,
+                  juce::Point<float> to, float ground)
+{
+    int n = 0;
+    const int steps = juce::roundToInt (from.getDistanceFrom (to) * 4.0f);
+    for (int i = 0; i <= steps; ++i)
+        n += std::abs (brightnessAt (shot, editor, from + (to - from) * ((float)i / (float)steps)) - ground) >
+                     0.08f
+                 ? 1
+                 : 0;
+    return n;
+}
+} // namespace
+
+// The keyboard focus ring, drawn by the GL pass: 4 units wide around the control,
+// rounded with the control's corners, and a circle around the round power switch.
+TEST_F (EditorWindow, FocusRingTakesTheControlsShape)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "the ring is drawn by OpenGL";
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+
+    // The first focus after opening goes to the editor itself on a bare X server.
+    focusOn (*editor.getControl (1));
+    ASSERT_TRUE (focusOn (*editor.getControl (0)));
+    pump (300);
+    auto shot = capture (editor);
+    save (shot, "editor-focus-ring-power");
+    auto ring = editor.getGLState().ring.getRing();
+    EXPECT_FLOAT_EQ (ring.width, 4.0f);
+    EXPECT_FLOAT_EQ (ring.radius * 2.0f, ring.bounds.getWidth());
+    EXPECT_FLOAT_EQ (ring.bounds.getWidth(), ring.bounds.getHeight());
+    const auto centre = ring.bounds.getCentre();
+    const float strip = brightnessAt (shot, editor, {centre.x, ring.bounds.getY() - 8.0f});
+    // On the circle at 45 degrees, and nothing in the corner of its square.
+    const auto diagonal = juce::Point<float> (1.0f, 1.0f) / std::sqrt (2.0f);
+    EXPECT_GT (brightnessAt (shot, editor, centre + diagonal * ring.radius) - strip, 0.15f);
+    EXPECT_LT (std::abs (brightnessAt (shot, editor,
+                                       ring.bounds.getBottomRight() - juce::Point<float> (1.5f, 1.5f)) -
+                         strip),
+               0.05f);
+    const int across = ringQuarters (shot, editor, centre + juce::Point<float> (ring.radius - 5.0f, 0.0f),
+                                     centre + juce::Point<float> (ring.radius + 5.0f, 0.0f), strip);
+    EXPECT_NEAR (across, 16, 4) << "4 units of ring";
+
+    ASSERT_TRUE (focusOn (*editor.getControl (2)));
+    pump (300);
+    shot = capture (editor);
+    save (shot, "editor-focus-ring");
+    ring = editor.getGLState().ring.getRing();
+    EXPECT_FLOAT_EQ (ring.radius, 6.0f) << "the thumb's corners, 3 units out";
+    const float panel =
+        brightnessAt (shot, editor, ring.bounds.getTopLeft() - juce::Point<float> (6.0f, 0.0f));
+    EXPECT_TRUE (isReddish (pixelAt (shot, editor, {ring.bounds.getX(), ring.bounds.getCentreY()})));
+    EXPECT_LT (
+        std::abs (brightnessAt (shot, editor, ring.bounds.getTopLeft() - juce::Point<float> (1.0f, 1.0f)) -
+                  panel),
+        0.05f)
+        << "a rounded corner";
+    const int side = ringQuarters (shot, editor, {ring.bounds.getX() - 5.0f, ring.bounds.getCentreY() + 6.0f},
+                                   {ring.bounds.getX() + 2.0f, ring.bounds.getCentreY() + 6.0f}, panel);
+    EXPECT_NEAR (side, 16, 4) << "4 units of ring";
 }
 
 namespace
