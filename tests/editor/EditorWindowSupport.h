@@ -36,7 +36,6 @@ bool expectsGL();
 struct OpenEditor
 {
     std::unique_ptr<TRQAudioProcessorEditor> editor;
-    double msToFirstFrame = -1.0;
 };
 
 // Puts the editor on the desktop at (20, 20) and pumps the message loop until the

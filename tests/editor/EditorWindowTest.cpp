@@ -21,11 +21,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <iostream>
 #include <optional>
 #include <thread>
-
-#include <time.h>
 
 using namespace EditorWindowSupport;
 
@@ -104,8 +101,6 @@ TEST_F (EditorWindow, ArtworkAtEverySizeAndStyle)
                     const auto advancedPanel = pixelAt (shot, editor, {700.0f, 270.0f});
                     EXPECT_EQ (brightness (advancedPanel) > 0.5f, style == 0) << percent;
                 }
-                if (opened.msToFirstFrame >= 0.0 && percent == 100)
-                    std::cout << "[perf] first frame at 100 %: " << opened.msToFirstFrame << " ms\n";
             }
 }
 
@@ -854,43 +849,4 @@ TEST_F (EditorWindow, LockMarkShowsOnLockedControls)
     const auto shot = capture (*opened.editor);
     save (shot, "editor-lock");
     EXPECT_GT (darkPixels (shot, *opened.editor), unlocked + 10);
-}
-
-// Not a timed test: prints what an idle editor costs, for the record.
-TEST_F (EditorWindow, IdleCostIsMeasured)
-{
-    if (!expectsGL())
-        GTEST_SKIP();
-    TRQAudioProcessor processor;
-    for (int percent : {100, 200})
-    {
-        prefs->setInt ("UIScale", percent);
-        processor.getPluginState().setAdvancedPaneIsOpen (true);
-        auto opened = open (processor, prefs);
-        auto& editor = *opened.editor;
-        pump (500);
-        const int framesBefore = editor.getFramesRendered();
-        double timerTotal = 0.0, frameTotal = 0.0;
-        const int ticks = 60;
-        const auto cpuBefore = std::clock();
-        timespec threadBefore{}, threadAfter{};
-        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadBefore);
-        const double wallBefore = juce::Time::getMillisecondCounterHiRes();
-        for (int i = 0; i < ticks; ++i)
-        {
-            pump (16);
-            timerTotal += editor.getLastTimerMs();
-            frameTotal += editor.getLastFrameMs();
-        }
-        const double wall = juce::Time::getMillisecondCounterHiRes() - wallBefore;
-        const double cpu = 1000.0 * (double)(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
-        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadAfter);
-        const double messageCpu = (double)(threadAfter.tv_sec - threadBefore.tv_sec) * 1000.0 +
-                                  (double)(threadAfter.tv_nsec - threadBefore.tv_nsec) / 1.0e6;
-        std::cout << "[perf] " << percent << " %: timer tick " << timerTotal / ticks << " ms, GL frame "
-                  << frameTotal / ticks << " ms, frames/s "
-                  << (editor.getFramesRendered() - framesBefore) * 1000.0 / wall << ", message thread CPU "
-                  << 100.0 * messageCpu / wall << " %, process CPU (all threads) " << 100.0 * cpu / wall
-                  << " %\n";
-    }
 }

@@ -154,38 +154,6 @@ TEST (TRQShapeRenderer, RegionsClipAndOutsideDrawsNothing)
     EXPECT_LT (probe.redAt (150, 84), 10);
 }
 
-// The focus ring: its full width centred on the outline, with rounded corners, and a
-// circle when the radius is half the side.
-TEST (TRQShapeRenderer, RingsStraddleTheirOutline)
-{
-    if (!glAvailable())
-        GTEST_SKIP() << "needs a display with OpenGL 3.2";
-    ShapeProbe probe (
-        [] (TRQShapeRenderer& r)
-        {
-            r.setRegion ({0.0f, 0.0f, 200.0f, 100.0f});
-            r.ringAround ({10.0f, 20.0f, 60.0f, 60.0f}, 30.0f, 4.0f);
-            r.ringAround ({100.0f, 20.0f, 80.0f, 50.0f}, 8.0f, 4.0f);
-        });
-    ASSERT_TRUE (probe.waitForFrame());
-    EXPECT_FALSE (probe.failed);
-    // Circle of radius 30 around (40, 50): from 28 to 32 out, not its square's corner.
-    for (int x = 0; x < 200; ++x)
-        std::printf ("%d ", probe.redAt (x, 50));
-    std::printf ("\n");
-    EXPECT_GT (probe.redAt (40 + 30, 50), 240);
-    EXPECT_GT (probe.redAt (40, 50 - 30), 240);
-    EXPECT_LT (probe.redAt (40 + 26, 50), 10);
-    EXPECT_LT (probe.redAt (40 + 34, 50), 10);
-    EXPECT_LT (probe.redAt (12, 22), 10);
-    // Rounded rectangle: sides 4 wide across the outline, corners cut.
-    EXPECT_GT (probe.redAt (140, 20), 240);
-    EXPECT_GT (probe.redAt (100, 45), 240);
-    EXPECT_LT (probe.redAt (140, 24), 10);
-    EXPECT_LT (probe.redAt (140, 16), 10);
-    EXPECT_LT (probe.redAt (100, 20), 10);
-}
-
 namespace
 {
 // One tap of the background blur's kernel, before normalisation.
