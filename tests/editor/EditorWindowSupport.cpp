@@ -58,7 +58,7 @@ OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSour
     OpenEditor result;
     result.editor = std::make_unique<TRQAudioProcessorEditor> (processor, std::move (prefs));
     auto& editor = *result.editor;
-    editor.setTopLeftPosition (20, 20);
+    editor.setTopLeftPosition (8, 20);
     editor.addToDesktop (0);
     editor.setVisible (true);
     for (int i = 0; i < 400; ++i)
@@ -98,9 +98,9 @@ void save (const juce::Image& image, const juce::String& name)
     const char* dir = std::getenv ("ZOLK_SCREENSHOT_DIR");
     if (dir == nullptr || !image.isValid())
         return;
-    juce::File folder (dir);
-    folder.createDirectory();
-    juce::FileOutputStream out (folder.getChildFile (name + ".png"));
+    const auto file = juce::File (dir).getChildFile (name + ".png");
+    file.getParentDirectory().createDirectory();
+    juce::FileOutputStream out (file);
     if (out.openedOk())
     {
         out.setPosition (0);

@@ -38,7 +38,8 @@ struct OpenEditor
     std::unique_ptr<TRQAudioProcessorEditor> editor;
 };
 
-// Puts the editor on the desktop at (20, 20) and pumps the message loop until the
+// Puts the editor on the desktop at (8, 20), where even the open panel at 200 %
+// fits the virtual screen, and pumps the message loop until the
 // first GL frame is drawn, or the editor gave up on GL.
 OpenEditor open (TRQAudioProcessor& processor, std::shared_ptr<TRQPreferenceSource> prefs);
 

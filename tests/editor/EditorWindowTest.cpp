@@ -823,6 +823,58 @@ TEST_F (EditorWindow, LanguageAndStyleChangeWhileOpen)
     EXPECT_LT (brightness (pixelAt (shot, editor, {20.0f, 338.0f})), 0.3f);
 }
 
+namespace
+{
+// The headings' ink along the top of both panes, as one number per column.
+std::vector<float> headingProfile (const juce::Image& shot, TRQAudioProcessorEditor& editor)
+{
+    std::vector<float> profile;
+    for (float x = 2.0f; x < 793.0f; x += 1.0f)
+    {
+        float ink = 0.0f;
+        for (float y = 8.0f; y < 30.0f; y += 1.0f)
+            ink += brightness (pixelAt (shot, editor, {x, y}));
+        profile.push_back (ink);
+    }
+    return profile;
+}
+} // namespace
+
+// Every label set in both styles, as a musician switches them in the open window:
+// each language writes headings of its own, each style its own panel.
+TEST_F (EditorWindow, EveryLanguageInBothStyles)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    for (int style : {0, 1})
+    {
+        editor.setDarkMode (style);
+        std::vector<float> english;
+        for (auto language : TRQLanguage::menuLanguages())
+        {
+            editor.setLanguage (language);
+            pump (400);
+            const auto shot = capture (editor);
+            save (shot, juce::String ("languages/editor-") + TRQLanguage::languageKey (language) +
+                            (style == 1 ? "-dark" : "-light"));
+            SCOPED_TRACE (TRQLanguage::languageKey (language) + (style == 1 ? " dark" : " light"));
+            EXPECT_EQ (brightness (pixelAt (shot, editor, {20.0f, 338.0f})) > 0.5f, style == 0);
+            const auto profile = headingProfile (shot, editor);
+            if (language == TRQLanguage::English)
+                english = profile;
+            else
+            {
+                float difference = 0.0f;
+                for (size_t i = 0; i < profile.size(); ++i)
+                    difference += std::abs (profile[i] - english[i]);
+                EXPECT_GT (difference, 50.0f) << "headings of their own";
+            }
+        }
+    }
+}
+
 // A locked parameter shows the lock in its corner; the power switch can't be locked.
 TEST_F (EditorWindow, LockMarkShowsOnLockedControls)
 {
