@@ -1,6 +1,7 @@
 #include "editor/TRQTooltipWindow.h"
 
 #include "editor/TRQLookAndFeel.h"
+#include "editor/TRQTooltipClient.h"
 
 TRQTooltipWindow::TRQTooltipWindow (juce::Component* parent, int delayMs)
     : juce::TooltipWindow (parent, delayMs)
@@ -20,9 +21,12 @@ juce::String TRQTooltipWindow::getTipFor (juce::Component& component)
     // JUCE offers tips only while the process's own window holds the keyboard focus;
     // a plug-in's window inside a host seldom does, so the mouse alone decides here.
     lastTip = {};
-    if (!juce::ModifierKeys::currentModifiers.isAnyMouseButtonDown())
-        if (auto* client = dynamic_cast<juce::TooltipClient*> (&component))
-            if (!component.isCurrentlyBlockedByAnotherModalComponent())
-                lastTip = client->getTooltip();
+    if (juce::ModifierKeys::currentModifiers.isAnyMouseButtonDown() ||
+        component.isCurrentlyBlockedByAnotherModalComponent())
+        return lastTip;
+    if (auto* own = dynamic_cast<TRQTooltipClient*> (&component); own != nullptr && !own->isTooltipVisible())
+        return lastTip;
+    if (auto* client = dynamic_cast<juce::TooltipClient*> (&component))
+        lastTip = client->getTooltip();
     return lastTip;
 }
