@@ -487,30 +487,18 @@ TEST_F (EditorWindow, GainReductionHistoryAsDrawn)
     for (auto outside : {juce::Point<float> (426.0f, 49.0f), juce::Point<float> (426.0f, 120.0f),
                          juce::Point<float> (397.0f, 90.0f)})
         EXPECT_EQ (stripPaintAt (shot, editor, outside), StripPaint::plain) << outside.toString();
-    processor.releaseResources();
-}
 
-// For the record: both bars at known levels and 12 dB of reduction in the history,
-// with the advanced pane open.
-TEST_F (EditorWindow, MetersAtKnownLevelsPicture)
-{
-    if (!expectsGL())
-        GTEST_SKIP() << "no meters without OpenGL 3.2";
-    TRQAudioProcessor processor;
-    processor.prepareToPlay (48000.0, 256);
-    processor.getPluginState().setAdvancedPaneIsOpen (true);
-    const auto& info = processor.getDSPInfo();
-    auto opened = open (processor, prefs);
-    auto& editor = *opened.editor;
-    pump (300);
-    ASSERT_NE (info.meterMessaging, nullptr);
-    MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (-6.0f),
-                        decibelsToGain (-18.0f), -12.0f);
-    pump (1200);
-    const auto shot = capture (editor);
+    // For the record, with the advanced pane open: the bars at -6 and -18 dBFS and
+    // 12 dB of reduction. The input bar reaches past -12 dB, the output bar stops
+    // short of it, and the history falls from the strip's top.
+    editor.setAdvancedPaneOpen (true, true);
+    {
+        MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (-6.0f),
+                            decibelsToGain (-18.0f), -12.0f);
+        pump (1200);
+        shot = capture (editor);
+    }
     save (shot, "editor-meters");
-    // The input bar reaches past -12 dB, the output bar stops short of it, and the
-    // history has fallen from the strip's top.
     EXPECT_TRUE (isReddish (pixelAt (shot, editor, {19.0f, 54.0f + 218.0f * 10.0f / 60.0f})));
     EXPECT_FALSE (isReddish (pixelAt (shot, editor, {335.0f, 54.0f + 218.0f * 14.0f / 60.0f})));
     EXPECT_EQ (stripPaintAt (shot, editor, {403.0f, 56.0f}), StripPaint::plain);
