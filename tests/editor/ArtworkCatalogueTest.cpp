@@ -197,25 +197,25 @@ TEST (ArtworkCatalogue, NothingOverlapsInAnyLanguageStyleOrSize)
                 }
                 for (const auto& [id, perLanguage] : drawing.document()->at ("param-labels").items())
                 {
-                    const auto& spec = ParameterCatalogue::row ((ParameterId)std::stoi (id));
-                    auto box = canvasRect (spec.frame).reduced (2.0f, 0.0f).getIntersection (inside);
+                    const auto& row = ParameterCatalogue::row ((ParameterId)std::stoi (id));
+                    auto box = canvasRect (row.frame).reduced (2.0f, 0.0f).getIntersection (inside);
                     // The Mix caption ends where the thumb begins at 0 %.
-                    if (spec.id == 6)
-                        box = box.withRight (spec.frame.x + spec.innerFrame.x - 22.0f - 1.0f);
-                    const Ink ink (drawing.paramLabelList ((int)spec.id, language, style),
-                                   {spec.frame.x, spec.frame.y}, box.expanded (8.0f), scale);
+                    if (row.id == 6)
+                        box = box.withRight (row.frame.x + row.innerFrame.x - 22.0f - 1.0f);
+                    const Ink ink (drawing.paramLabelList ((int)row.id, language, style),
+                                   {row.frame.x, row.frame.y}, box.expanded (8.0f), scale);
                     EXPECT_EQ (ink.outside (box), 0) << "caption " << id;
                 }
                 // State words centred where the controls show them.
                 for (int parameter : {0, 11, 14, 16, 18})
                 {
-                    const auto& spec = ParameterCatalogue::row ((ParameterId)parameter);
-                    auto box = canvasRect (spec.frame).getIntersection (inside);
+                    const auto& row = ParameterCatalogue::row ((ParameterId)parameter);
+                    auto box = canvasRect (row.frame).getIntersection (inside);
                     if (parameter == 16)
                         box = box.getIntersection (bottomBar);
                     const auto inner =
-                        canvasRect (spec.innerFrame) + juce::Point<float> (spec.frame.x, spec.frame.y);
-                    for (int value = 0; value <= (int)spec.max - (int)spec.min; ++value)
+                        canvasRect (row.innerFrame) + juce::Point<float> (row.frame.x, row.frame.y);
+                    for (int value = 0; value <= (int)row.max - (int)row.min; ++value)
                     {
                         const auto list = drawing.paramStringList (parameter, value, language, style);
                         const auto b = list.elements.at (0).bounds;
@@ -254,19 +254,19 @@ TEST (ArtworkCatalogue, NothingOverlapsInAnyLanguageStyleOrSize)
     // ruler's own line and ticks run under them.
     TRQAudioProcessor processor;
     TRQParameterGestures gestures (processor);
-    for (const auto& spec : ParameterCatalogue::rows())
+    for (const auto& row : ParameterCatalogue::rows())
     {
-        if (spec.discrete)
+        if (row.discrete)
             continue;
-        TRQSlider slider ((int)spec.id, processor.getAudioParameter ((int)spec.id), gestures);
+        TRQSlider slider ((int)row.id, processor.getAudioParameter ((int)row.id), gestures);
         slider.rebuildDrawing();
-        const auto origin = juce::Point<float> (spec.frame.x, spec.frame.y);
+        const auto origin = juce::Point<float> (row.frame.x, row.frame.y);
         const auto size = slider.thumbBounds();
         const auto line = slider.thumbCentreFor (0.0f);
         for (float scale : {0.8f, 1.0f, 2.0f})
         {
-            const Ink ruler (drawing.trackList ((int)spec.id, 0), origin,
-                             canvasRect (spec.frame).expanded (30.0f), scale);
+            const Ink ruler (drawing.trackList ((int)row.id, 0), origin,
+                             canvasRect (row.frame).expanded (30.0f), scale);
             for (int step = 0; step <= 10; ++step)
             {
                 const auto thumb = juce::Rectangle<float> (size.getWidth(), size.getHeight())
@@ -277,10 +277,10 @@ TEST (ArtworkCatalogue, NothingOverlapsInAnyLanguageStyleOrSize)
                     [&] (juce::Point<float> p)
                     {
                         const float across =
-                            spec.horizontal ? p.y - origin.y - line.y : p.x - origin.x - line.x;
+                            row.horizontal ? p.y - origin.y - line.y : p.x - origin.x - line.x;
                         return thumb.contains (p) && std::abs (across) > 7.5f;
                     });
-                EXPECT_EQ (covered, 0) << "thumb of " << spec.id << " at " << step * 10 << " % and " << scale;
+                EXPECT_EQ (covered, 0) << "thumb of " << row.id << " at " << step * 10 << " % and " << scale;
             }
         }
     }
