@@ -15,6 +15,7 @@
 #include "editor/TRQTaskButtons.h"
 #include "editor/TRQToggle.h"
 #include "editor/TRQToolbar.h"
+#include "editor/TRQTooltipWindow.h"
 #include "editor/TRQTransientValueView.h"
 #include "editor/TRQValueLaw.h"
 #include "presets/TRQPresetController.h"
@@ -208,7 +209,7 @@ void TRQAudioProcessorEditor::createChildren()
     modalViewer.closedSignal.connect (this, [this] { closeModal (1); });
     root.addChildComponent (modalViewer);
 
-    tooltipWindow = std::make_unique<juce::TooltipWindow> (&root, 700);
+    tooltipWindow = std::make_unique<TRQTooltipWindow> (&root, 700);
 }
 
 void TRQAudioProcessorEditor::connectPresetSignals()

@@ -29,6 +29,7 @@ class TRQPresetController;
 class TRQPresetView;
 class TRQTaskButtons;
 class TRQToolbar;
+class TRQTooltipWindow;
 class MeterMessaging;
 
 // The window content the host shows: artwork, one control per parameter, the
@@ -91,6 +92,7 @@ public:
     TRQTaskButtons* getTaskButtons() const { return taskButtons.get(); }
     TRQPresetView* getPresetView() const { return presetView.get(); }
     TRQModalViewer& getModalViewer() { return modalViewer; }
+    TRQTooltipWindow& getTooltipWindow() const { return *tooltipWindow; }
     TRQTransientValueView& getTransientValueView() const { return *transientValue; }
     TRQEditorGLState& getGLState() const { return *gl; }
     TRQParameterGestures& getGestures() { return *gestures; }
@@ -149,7 +151,7 @@ private:
     std::shared_ptr<TRQTaskButtons> taskButtons;
     std::shared_ptr<TRQToolbar> toolbar;
     TRQModalViewer modalViewer;
-    std::unique_ptr<juce::TooltipWindow> tooltipWindow;
+    std::unique_ptr<TRQTooltipWindow> tooltipWindow;
     std::shared_ptr<TRQPresetController> presetController;
     int modalState = 0;
     TRQModalViewer::ModalSettings modalSettings;

@@ -49,6 +49,8 @@ TRQControl::TRQControl (int index, TRQAudioParameter& p, TRQParameterGestures& g
     , drawing (TRQDrawing::get())
 {
     hasLock = index != 0 && row.dependents.empty();
+    // The tip names the parameter as the host does.
+    setTooltip (juce::String (row.name));
     normalisedValue.store (toNormalised (row.id, p.getRealValue()));
     setWantsKeyboardFocus (true);
     setMouseClickGrabsKeyboardFocus (true);
@@ -291,6 +293,7 @@ void TRQControl::arrowKey (int direction, juce::ModifierKeys mods)
 bool TRQControl::handleMouseDown (const juce::MouseEvent& e)
 {
     tooltipWanted = false;
+    showTooltip (false);
     if (e.mods.isPopupMenu())
     {
         if (e.eventComponent == this)
@@ -351,7 +354,7 @@ void TRQControl::mouseUp (const juce::MouseEvent&)
 
 void TRQControl::mouseMove (const juce::MouseEvent& e)
 {
-    tooltipWanted = isOverActiveArea (e.getPosition());
+    showTooltip (tooltipWanted && isOverActiveArea (e.getPosition()));
     lastMousePosition = e.position;
     setHover (isEnabled() && isOverHoverTarget (e.position));
 }
@@ -367,6 +370,7 @@ void TRQControl::mouseEnter (const juce::MouseEvent& e)
 void TRQControl::mouseExit (const juce::MouseEvent&)
 {
     tooltipWanted = false;
+    showTooltip (false);
     mouseInside = false;
     setHover (false);
 }

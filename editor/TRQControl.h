@@ -4,6 +4,7 @@
 #include "editor/TRQComponent.h"
 #include "editor/TRQDrawing.h"
 #include "editor/TRQFocusRing.h"
+#include "editor/TRQTooltipClient.h"
 #include "editor/TRQTransientValue.h"
 #include "state/ParameterSpec.h"
 #include "state/TRQSignals.h"
@@ -18,7 +19,7 @@ class TRQParameterGestures;
 // input, and writes back through the gesture door; subclasses give the look and the
 // value law.
 class TRQControl : public TRQComponent,
-                   public juce::SettableTooltipClient,
+                   public TRQTooltipClient,
                    public TRQFocusRing,
                    public TRQSignals::Trackable
 {

@@ -257,8 +257,7 @@ void TRQEditorGLState::renderFocusRing()
     const auto r = ring.getRing();
     renderer->setRegion (r.bounds.expanded (r.width));
     renderer->setColour (juce::Colour::fromFloatRGBA (r.colour[0], r.colour[1], r.colour[2], r.colour[3]));
-    renderer->strokeRect (juce::Rectangle<float> (r.width * 0.5f, r.width * 0.5f,
-                                                  r.bounds.getWidth() + r.width,
-                                                  r.bounds.getHeight() + r.width),
-                          r.width * 0.5f);
+    // The ring's full width straddles the outline the control gave, corners rounded
+    // by its radius.
+    renderer->ringAround ({r.width, r.width, r.bounds.getWidth(), r.bounds.getHeight()}, r.radius, r.width);
 }

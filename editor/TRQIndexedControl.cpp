@@ -73,10 +73,23 @@ void TRQIndexedControl::updateFocusRing()
     juce::Colour colour = controlColour();
     if (auto* lf = dynamic_cast<TRQLookAndFeel*> (&getLookAndFeel()))
         colour = lf->focusRingColour (colour);
+    // Round the outline's own ink, 4 units out; the power switch's glyph is round, and
+    // so is its ring.
     const int v = valueIndex();
-    const auto area = v >= 0 && v < (int)stateLists.size() ? outlineArea (stateLists[(size_t)v])
-                                                           : getLocalBounds().toFloat();
-    setRing (area.expanded (4.0f).toNearestInt().toFloat(), 4.0f, colour);
+    auto area = getLocalBounds().toFloat();
+    if (v >= 0 && v < (int)stateLists.size() && !stateLists[(size_t)v].isEmpty())
+    {
+        const auto& list = stateLists[(size_t)v];
+        area = list.getBounds() + outlineArea (list).getPosition();
+    }
+    area = area.expanded (4.0f).toNearestInt().toFloat();
+    if (row.controlStyle == roundButtonStyle)
+    {
+        const float side = std::max (area.getWidth(), area.getHeight());
+        setRing (juce::Rectangle<float> (side, side).withCentre (area.getCentre()), side * 0.5f, colour);
+        return;
+    }
+    setRing (area, 4.0f, colour);
 }
 
 void TRQIndexedControl::mouseDown (const juce::MouseEvent& e)

@@ -19,6 +19,9 @@ public:
 
     int valueIndex() const;
 
+    // The button style of the power switch: a round glyph, ringed by a circle.
+    static constexpr std::uint32_t roundButtonStyle = 5;
+
 protected:
     bool isAnimating() const override;
 

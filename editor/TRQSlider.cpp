@@ -15,7 +15,7 @@ TRQSlider::TRQSlider (int index, TRQAudioParameter& p, TRQParameterGestures& g, 
     wheelable = true;
     scrollEnabled = true;
     outset = (mode == 1 || mode == 2) ? 2.5f : 3.0f;
-    thumbAcross = row.horizontal ? 44.0f : std::min (row.innerFrame.width - 8.0f, 46.0f);
+    thumbAcross = row.horizontal ? 44.0f : std::min (row.innerFrame.width - 8.0f, maxThumbAcross);
     thumbAnimation.jumpTo (getNormalisedValue());
 }
 
@@ -59,9 +59,10 @@ void TRQSlider::findTrackLine()
     hasTrackLine = longest > 0.5f * (row.horizontal ? row.innerFrame.width : row.innerFrame.height);
     if (hasTrackLine && !row.horizontal)
     {
-        // Keep the thumb inside the control, so that its neighbours don't cut it.
+        // Keep the thumb inside the control, so that its neighbours don't cut it. The
+        // artwork sets the ruler's numbers just beyond this width.
         const float room = std::min (trackLine, row.frame.width - trackLine);
-        thumbAcross = std::min (46.0f, 2.0f * room - 2.0f);
+        thumbAcross = std::min (maxThumbAcross, 2.0f * room - 2.0f);
     }
 }
 
@@ -192,6 +193,21 @@ void TRQSlider::mouseUp (const juce::MouseEvent& e)
         pressAnimation.setTarget (0.0f, 250.0, nowMs());
 }
 
+juce::Colour TRQSlider::thumbFace (int style)
+{
+    return style == 1 ? juce::Colour (0xfff4f4f4) : juce::Colours::white;
+}
+
+juce::Colour TRQSlider::valueTextColour() const
+{
+    // The track list's second and third entries hold the value's colours, normal and
+    // dimmed, chosen in the artwork to read on the thumb's face.
+    const size_t entry = disabled ? 2 : 1;
+    if (trackList.elements.size() > entry)
+        return trackList.elements[entry].fill.colour;
+    return disabled ? juce::Colours::grey : controlColour();
+}
+
 void TRQSlider::drawControl (juce::Graphics& g)
 {
     if (sliderMode == 0)
@@ -222,8 +238,7 @@ void TRQSlider::drawControl (juce::Graphics& g)
         g.setOpacity (deeper);
         g.drawImageAt (shadowCache, shadowX, shadowY + (int)std::round (press * 2.0f));
     }
-    const auto face = style == 1 ? juce::Colour (0xfff4f4f4) : juce::Colours::white;
-    g.setColour (face.interpolatedWith (colour, 0.06f * press));
+    g.setColour (thumbFace (style).interpolatedWith (colour, 0.06f * press));
     g.fillRoundedRectangle (thumb, 3.0f);
     if (hover > 0.0f && !disabled)
     {
@@ -241,7 +256,7 @@ void TRQSlider::drawControl (juce::Graphics& g)
     if (numW + unitW > thumb.getWidth() - 4.0f)
         scaleX = (thumb.getWidth() - 4.0f) / (numW + unitW);
     const float x0 = thumb.getCentreX() - (numW + unitW) * scaleX * 0.5f;
-    g.setColour (disabled ? juce::Colours::grey : colour);
+    g.setColour (valueTextColour());
     juce::Graphics::ScopedSaveState save (g);
     g.addTransform (juce::AffineTransform::scale (scaleX, 1.0f, x0, thumb.getCentreY()));
     g.setFont (numFont);

@@ -31,6 +31,12 @@ public:
     TRQSignals::Signal<void (float)> positionChanged;
 
     static constexpr float thumbThickness = 20.0f;
+    // Widest a vertical thumb gets across its ruler.
+    static constexpr float maxThumbAcross = 38.0f;
+    // The thumb's face in a style, under the value text.
+    static juce::Colour thumbFace (int style);
+    // The value text's colour now: the artwork's, dimmed while disabled.
+    juce::Colour valueTextColour() const;
 
 protected:
     bool isAnimating() const override;

@@ -53,6 +53,14 @@ void TRQTextButton::setGlyph (int forState, juce::juce_wchar glyph, float height
               juce::Font (TRQLookAndFeel::symbolFamily, "Regular", height));
 }
 
+void TRQTextButton::setDrawingLabel (int forState, TRQDrawingList list, juce::Point<float> origin)
+{
+    auto& label = labelFor (forState);
+    label.outline = std::move (list);
+    label.outlineOrigin = origin;
+    markForRepaint();
+}
+
 juce::String TRQTextButton::getLabelText (int forState) const
 {
     return labels[(size_t)juce::jlimit (0, stateCount - 1, forState)].text;
@@ -144,6 +152,16 @@ void TRQTextButton::paint (juce::Graphics& g)
         g.drawRoundedRectangle (area, radius, 1.0f);
     }
     auto& label = labels[(size_t)state];
+    if (!label.outline.isEmpty())
+    {
+        juce::Graphics::ScopedSaveState saved (g);
+        g.addTransform (juce::AffineTransform::translation (label.outlineOrigin));
+        if (!enabled)
+            g.beginTransparencyLayer (0.35f);
+        label.outline.paint (g);
+        if (!enabled)
+            g.endTransparencyLayer();
+    }
     if (label.layout.getNumLines() > 0)
     {
         juce::Graphics::ScopedSaveState saved (g);
@@ -172,17 +190,20 @@ void TRQTextButton::timerCallback()
 
 void TRQTextButton::mouseEnter (const juce::MouseEvent&)
 {
+    showTooltip (true);
     animate (hover, 1.0f);
 }
 
 void TRQTextButton::mouseExit (const juce::MouseEvent&)
 {
+    showTooltip (false);
     animate (hover, 0.0f);
     animate (press, 0.0f);
 }
 
 void TRQTextButton::mouseDown (const juce::MouseEvent& e)
 {
+    showTooltip (false);
     if (e.mods.isPopupMenu())
     {
         TRQComponent::mouseDown (e);

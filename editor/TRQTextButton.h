@@ -2,6 +2,8 @@
 
 #include "editor/TRQAnimatedValue.h"
 #include "editor/TRQComponent.h"
+#include "editor/TRQDrawingList.h"
+#include "editor/TRQTooltipClient.h"
 #include "state/TRQSignals.h"
 
 #include <atomic>
@@ -12,7 +14,7 @@
 // cycles through stateCount states on each click; each state has its own label and
 // fill, and states listed as disabled dim the button and take it out of reach.
 class TRQTextButton : public TRQComponent,
-                      public juce::SettableTooltipClient,
+                      public TRQTooltipClient,
                       public TRQSignals::Trackable,
                       private juce::Timer
 {
@@ -31,6 +33,9 @@ public:
 
     void setLabel (int forState, const juce::String& text, const juce::Font& font);
     void setGlyph (int forState, juce::juce_wchar glyph, float height);
+    // An outline from the drawing as the state's label, in its own colours, its
+    // origin at origin in the button's units.
+    void setDrawingLabel (int forState, TRQDrawingList list, juce::Point<float> origin);
     juce::String getLabelText (int forState) const;
     void setFill (int forState, juce::Colour colour);
     void setTextColour (juce::Colour colour);
@@ -58,6 +63,8 @@ private:
         juce::String text;
         juce::Font font;
         juce::TextLayout layout;
+        TRQDrawingList outline;
+        juce::Point<float> outlineOrigin;
     };
 
     void timerCallback() override;

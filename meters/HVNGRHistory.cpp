@@ -78,6 +78,8 @@ void HVNGRHistory::update (float t, double now)
         floorDb = std::clamp (c * (floorDb - lowest) + lowest, -48.0f, -12.0f);
     }
 
+    // Levels to heights above the strip's bottom: the floor at 2, no reduction at
+    // the top.
     const float height = row->rectangle.getHeight();
     const float range = ceilingDb - floorDb;
     for (uint32_t i = 0; i < columns; ++i)
@@ -91,9 +93,12 @@ void HVNGRHistory::render (TRQShapeRenderer& renderer)
     const auto& r = row->rectangle;
     const float width = r.getWidth(), height = r.getHeight();
     renderer.setRegion (r);
+    // Heights count up from the bottom of the strip, as GL's do; the renderer's
+    // helpers take canvas units, which count down from its top.
+    auto at = [height] (float x, float up) { return juce::Point<float> (x, height - up); };
 
-    // The history hangs from the top: 0 dB of reduction is the top edge, more
-    // reduction reaches further down.
+    // One line every 12 dB, counted up from the floor, and a line along the top
+    // while the scale follows the history.
     gridVertices.clear();
     if (showGrid)
     {
@@ -101,34 +106,36 @@ void HVNGRHistory::render (TRQShapeRenderer& renderer)
         for (int i = 1; i < k; ++i)
         {
             const float y = -((float)i * 12.0f / floorDb * height);
-            gridVertices.push_back ({0.0f, y});
-            gridVertices.push_back ({width, y});
+            gridVertices.push_back (at (0.0f, y));
+            gridVertices.push_back (at (width, y));
         }
     }
     if (autoScale)
     {
-        gridVertices.push_back ({0.0f, height - 0.5f});
-        gridVertices.push_back ({width, height - 0.5f});
+        gridVertices.push_back (at (0.0f, height - 0.5f));
+        gridVertices.push_back (at (width, height - 0.5f));
     }
     renderer.setColour (darkMode ? gridDark : grid);
     if (!gridVertices.empty())
         renderer.lines (gridVertices, 1.0f);
 
+    // The area stands on the bottom and reaches up to each column's level: full
+    // height without reduction, down to 2 units at the floor. Its top edge is a
+    // line of its own.
     areaVertices.clear();
     edgeVertices.clear();
     for (uint32_t i = 0; i < columns; ++i)
     {
-        const float y = height - yPositions[i];
-        areaVertices.push_back ({xPositions[i], -1.0f});
-        areaVertices.push_back ({xPositions[i], y});
+        areaVertices.push_back (at (xPositions[i], -1.0f));
+        areaVertices.push_back (at (xPositions[i], yPositions[i]));
         if (i > 0)
         {
-            edgeVertices.push_back ({xPositions[i - 1], height - yPositions[i - 1]});
-            edgeVertices.push_back ({xPositions[i], y});
+            edgeVertices.push_back (at (xPositions[i - 1], yPositions[i - 1]));
+            edgeVertices.push_back (at (xPositions[i], yPositions[i]));
         }
     }
     renderer.setColour (darkMode ? areaDark : area);
     renderer.triangleStrip (areaVertices);
     renderer.setColour (darkMode ? edgeDark : edge);
-    renderer.lines (edgeVertices, 1.0f);
+    renderer.lines (edgeVertices, edgeWidth);
 }

@@ -8,7 +8,8 @@
 class MeterData;
 
 // The scrolling picture of gain reduction: one value per pixel column, newest on
-// the left, drawn as an area hanging from the top with a grid every 12 dB.
+// the left, drawn as an area standing on the strip's bottom whose top falls with
+// the reduction, under a grid every 12 dB.
 class HVNGRHistory : public HVNSketch
 {
 public:
@@ -34,6 +35,7 @@ public:
     std::atomic<double> lastDataTime{-1.0e9};
     std::vector<float> history, xPositions, yPositions;
     std::vector<juce::Point<float>> areaVertices, edgeVertices, gridVertices;
+    float edgeWidth = 2.0f;
     // It sits on the red centre strip in both styles: white on red.
     juce::Colour area{0x59ffffff}, edge{0xe6ffffff}, grid{0x30ffffff};
     juce::Colour areaDark{0x59ffffff}, edgeDark{0xe6ffffff}, gridDark{0x30ffffff};

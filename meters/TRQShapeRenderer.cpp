@@ -219,6 +219,51 @@ void TRQShapeRenderer::triangleStrip (const std::vector<juce::Point<float>>& poi
     drawPrimitive (scratch.data(), (int)points.size(), GL_TRIANGLE_STRIP, TRQShaderSources::uniformColour);
 }
 
+void TRQShapeRenderer::ringAround (juce::Rectangle<float> area, float radius, float width)
+{
+    const float half = width * 0.5f;
+    const float shortSide = std::min (area.getWidth(), area.getHeight());
+    radius = juce::jlimit (0.0f, shortSide * 0.5f, radius);
+    // The outer and inner edges walked together, corner by corner, as one strip:
+    // no piece overlaps another, so a translucent ring stays even.
+    const auto outer = area.expanded (half);
+    const auto inner = area.reduced (std::min (half, shortSide * 0.5f));
+    const float outerRadius = radius + half, innerRadius = std::max (radius - half, 0.0f);
+    constexpr int segments = 10;
+    auto centreOf = [] (juce::Rectangle<float> r, float rad, int corner)
+    {
+        switch (corner)
+        {
+        case 0:
+            return juce::Point<float> (r.getRight() - rad, r.getBottom() - rad);
+        case 1:
+            return juce::Point<float> (r.getX() + rad, r.getBottom() - rad);
+        case 2:
+            return juce::Point<float> (r.getX() + rad, r.getY() + rad);
+        default:
+            return juce::Point<float> (r.getRight() - rad, r.getY() + rad);
+        }
+    };
+    ringPoints.clear();
+    for (int corner = 0; corner < 4; ++corner)
+    {
+        const auto outerCentre = centreOf (outer, outerRadius, corner);
+        const auto innerCentre = centreOf (inner, innerRadius, corner);
+        for (int i = 0; i <= segments; ++i)
+        {
+            // Angles run clockwise on screen from the right edge downwards.
+            const float angle =
+                juce::MathConstants<float>::halfPi * ((float)corner + (float)i / (float)segments);
+            const juce::Point<float> direction (std::cos (angle), std::sin (angle));
+            ringPoints.push_back (outerCentre + direction * outerRadius);
+            ringPoints.push_back (innerCentre + direction * innerRadius);
+        }
+    }
+    ringPoints.push_back (ringPoints[0]);
+    ringPoints.push_back (ringPoints[1]);
+    triangleStrip (ringPoints);
+}
+
 void TRQShapeRenderer::drawTexture (juce::OpenGLTexture& texture, int, int)
 {
     drawTextured (TRQTextureShaderProgram::plain, {{"imageTexture", texture.getTextureID()}});

@@ -42,6 +42,10 @@ public:
     void lines (const std::vector<juce::Point<float>>& segments, float width);
     // A strip of triangles in the uniform colour.
     void triangleStrip (const std::vector<juce::Point<float>>& points);
+    // A ring of the given width whose centre line is the rounded rectangle area
+    // with corner radius; a radius of half the shorter side makes a circle or a
+    // stadium.
+    void ringAround (juce::Rectangle<float> area, float radius, float width);
 
     // The cached background: a texture the size of the viewport.
     void drawTexture (juce::OpenGLTexture& texture, int imageWidth, int imageHeight);
@@ -75,4 +79,5 @@ private:
     juce::Colour currentColour{juce::Colours::white};
     bool failed = false;
     std::vector<float> scratch;
+    std::vector<juce::Point<float>> ringPoints;
 };

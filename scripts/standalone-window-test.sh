@@ -7,6 +7,21 @@ app="$1"
 shot="$2"
 log="$(mktemp)"
 mkdir -p "$(dirname "$shot")"
+# Park the X pointer in the screen's corner, off the window, so that no control
+# under it shows its tip in the picture (libX11 through Python's ctypes).
+python3 - <<'PY' || true
+import ctypes
+x = ctypes.CDLL("libX11.so.6")
+x.XOpenDisplay.restype = ctypes.c_void_p
+x.XDefaultRootWindow.argtypes = [ctypes.c_void_p]
+x.XDefaultRootWindow.restype = ctypes.c_ulong
+x.XWarpPointer.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_ulong] + [ctypes.c_int] * 2 + [ctypes.c_uint] * 2 + [ctypes.c_int] * 2
+x.XCloseDisplay.argtypes = [ctypes.c_void_p]
+display = x.XOpenDisplay(None)
+if display:
+    x.XWarpPointer(display, 0, x.XDefaultRootWindow(display), 0, 0, 0, 0, 1599, 999)
+    x.XCloseDisplay(display)
+PY
 ZOLK_REPORT_FIRST_FRAME=1 "$app" >"$log" 2>&1 &
 pid=$!
 trap 'kill "$pid" 2>/dev/null || true; rm -f "$log"' EXIT

@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <iostream>
 #include <vector>
 
 using namespace EditorWindowSupport;
@@ -259,31 +258,4 @@ TEST_F (EditorWindowAnimation, ModalBackgroundIsBlurredOnce)
     gl.modalShowing = false;
     pump (300);
     EXPECT_LT (darkest (capture (editor)), 0.3f);
-}
-
-// Not a timed test: prints what the blurred background costs, for the record.
-TEST_F (EditorWindowAnimation, ModalBackgroundCostIsMeasured)
-{
-    if (!expectsGL())
-        GTEST_SKIP();
-    TRQAudioProcessor processor;
-    processor.getPluginState().setAdvancedPaneIsOpen (true);
-    for (int percent : {100, 200})
-    {
-        prefs->setInt ("UIScale", percent);
-        auto opened = open (processor, prefs);
-        auto& editor = *opened.editor;
-        editor.getGLState().modalShowing = true;
-        pump (500);
-        double frameTotal = 0.0;
-        const int ticks = 60;
-        for (int i = 0; i < ticks; ++i)
-        {
-            pump (16);
-            frameTotal += editor.getLastFrameMs();
-        }
-        std::cout << "[perf] " << percent << " % behind a modal: blur pass "
-                  << editor.getGLState().lastBlurMs.load() << " ms once, GL frame " << frameTotal / ticks
-                  << " ms\n";
-    }
 }

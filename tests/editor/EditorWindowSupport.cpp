@@ -52,22 +52,21 @@ void pump (int milliseconds)
 
 OpenEditor open (TRQAudioProcessor& processor, const std::shared_ptr<PreferencesFile>& prefs)
 {
+    // The X server's pointer stays in the screen's far corner, off every editor, or
+    // the control under it would show its tip in the pictures.
+    warpPointer ({1599, 999});
     OpenEditor result;
-    const double start = juce::Time::getMillisecondCounterHiRes();
     prefs->use();
     result.editor = std::make_unique<TRQAudioProcessorEditor> (processor);
     auto& editor = *result.editor;
-    editor.setTopLeftPosition (20, 20);
+    editor.setTopLeftPosition (8, 20);
     editor.addToDesktop (0);
     editor.setVisible (true);
     for (int i = 0; i < 400; ++i)
     {
         juce::MessageManager::getInstance()->runDispatchLoopUntil (5);
         if (editor.getFramesRendered() > 0)
-        {
-            result.msToFirstFrame = juce::Time::getMillisecondCounterHiRes() - start;
             break;
-        }
         if (editor.getGLStatus() == TRQAudioProcessorEditor::glFailed)
             break;
     }
@@ -100,9 +99,9 @@ void save (const juce::Image& image, const juce::String& name)
     const char* dir = std::getenv ("ZOLK_SCREENSHOT_DIR");
     if (dir == nullptr || !image.isValid())
         return;
-    juce::File folder (dir);
-    folder.createDirectory();
-    juce::FileOutputStream out (folder.getChildFile (name + ".png"));
+    const auto file = juce::File (dir).getChildFile (name + ".png");
+    file.getParentDirectory().createDirectory();
+    juce::FileOutputStream out (file);
     if (out.openedOk())
     {
         out.setPosition (0);

@@ -37,11 +37,11 @@ bool expectsGL();
 struct OpenEditor
 {
     std::unique_ptr<TRQAudioProcessorEditor> editor;
-    double msToFirstFrame = -1.0;
 };
 
-// Puts the editor, reading the preferences in prefs, on the desktop at (20, 20) and
-// pumps the message loop until the first GL frame is drawn, or the editor gave up on GL.
+// Puts the editor, reading the preferences in prefs, on the desktop at (8, 20), where
+// even the open panel at 200 % fits the virtual screen, and pumps the message loop
+// until the first GL frame is drawn, or the editor gave up on GL.
 OpenEditor open (TRQAudioProcessor& processor, const std::shared_ptr<PreferencesFile>& prefs);
 
 void pump (int milliseconds);
@@ -64,6 +64,8 @@ void rightClick (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, juc
 // transform (popup menus live there).
 void mouseAt (TRQAudioProcessorEditor& editor, juce::Point<float> position, juce::ModifierKeys mods = {});
 void mouseMove (TRQAudioProcessorEditor& editor, juce::Point<float> canvas);
+// Moves the X server's own pointer, which JUCE asks where the mouse is (tooltips).
+void warpPointer (juce::Point<int> screen);
 void wheel (TRQAudioProcessorEditor& editor, juce::Point<float> canvas, float deltaY,
             juce::ModifierKeys mods = {});
 // A key to whatever has focus; with a target, that target is given the focus first

@@ -3,21 +3,26 @@
 #include "core/TRQAudioProcessor.h"
 #include "editor/TRQAudioProcessorEditor.h"
 #include "editor/TRQControl.h"
+#include "editor/TRQEditorGLState.h"
+#include "editor/TRQHUDControl.h"
+#include "editor/TRQLookAndFeel.h"
 #include "editor/TRQParameterGestures.h"
 #include "editor/TRQSlider.h"
 #include "editor/TRQTaskButtons.h"
+#include "editor/TRQTextButton.h"
+#include "editor/TRQToolbar.h"
+#include "editor/TRQTooltipWindow.h"
 #include "meters/MeterMessaging.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <iostream>
+#include <optional>
 #include <thread>
-
-#include <time.h>
 
 using namespace EditorWindowSupport;
 
@@ -96,8 +101,6 @@ TEST_F (EditorWindow, ArtworkAtEverySizeAndStyle)
                     const auto advancedPanel = pixelAt (shot, editor, {700.0f, 270.0f});
                     EXPECT_EQ (brightness (advancedPanel) > 0.5f, style == 0) << percent;
                 }
-                if (opened.msToFirstFrame >= 0.0 && percent == 100)
-                    std::cout << "[perf] first frame at 100 %: " << opened.msToFirstFrame << " ms\n";
             }
 }
 
@@ -253,31 +256,43 @@ TEST_F (EditorWindow, TabSkipsTheClosedPane)
 
 namespace
 {
-// Stands in for the DSP's meter taps: a steady level and gain reduction, block
-// after block, from a thread of its own as the audio thread would.
+// Stands in for the DSP's meter taps: sines of known peaks on the level taps and a
+// steady gain reduction (or none), block after block, from a thread of its own as
+// the audio thread would. A period of 48 samples puts a sample on each crest.
 class MeterFeeder
 {
 public:
-    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float peak,
-                 float reduction)
+    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float inputPeak,
+                 float outputPeak, std::optional<float> reduction)
         : messaging (std::move (m))
-        , block (channels, frames)
+        , input (channels, frames)
+        , output (channels, frames)
     {
         for (uint32_t c = 0; c < channels; ++c)
             for (uint32_t i = 0; i < frames; ++i)
-                block.channel (c)[i] = peak * std::sin (0.05 * (double)i);
+            {
+                const double wave = std::sin (juce::MathConstants<double>::twoPi * (double)i / 48.0);
+                input.channel (c)[i] = inputPeak * wave;
+                output.channel (c)[i] = outputPeak * wave;
+            }
         thread = std::thread (
             [this, frames, reduction]
             {
                 while (!stop.load())
                 {
-                    messaging->writeBuffer (MeterMessaging::inputLevelId, block, frames);
-                    messaging->writeBuffer (MeterMessaging::outputLevelId, block, frames);
-                    messaging->writeBuffer (MeterMessaging::detectorId, block, frames);
-                    messaging->writePoint (reduction);
+                    messaging->writeBuffer (MeterMessaging::inputLevelId, input, frames);
+                    messaging->writeBuffer (MeterMessaging::outputLevelId, output, frames);
+                    messaging->writeBuffer (MeterMessaging::detectorId, input, frames);
+                    if (reduction)
+                        messaging->writePoint (*reduction);
                     std::this_thread::sleep_for (std::chrono::milliseconds (10));
                 }
             });
+    }
+    MeterFeeder (std::shared_ptr<MeterMessaging> m, uint32_t channels, uint32_t frames, float peak,
+                 float reduction)
+        : MeterFeeder (std::move (m), channels, frames, peak, peak, reduction)
+    {
     }
     ~MeterFeeder()
     {
@@ -287,11 +302,360 @@ public:
 
 private:
     std::shared_ptr<MeterMessaging> messaging;
-    HVNAudioBuffer<double> block;
+    HVNAudioBuffer<double> input, output;
     std::atomic<bool> stop{false};
     std::thread thread;
 };
 
+float decibelsToGain (float db)
+{
+    return std::pow (10.0f, db / 20.0f);
+}
+
+// The scale beside a level bar: the rows of its ticks, top first, each the centre
+// of the ink that darkens the column against the panel.
+std::vector<float> tickRows (const juce::Image& shot, int column, int top, int bottom)
+{
+    std::vector<float> values;
+    for (int y = top; y < bottom; ++y)
+        values.push_back (brightness (shot.getPixelAt (column, y)));
+    auto sorted = values;
+    std::sort (sorted.begin(), sorted.end());
+    const float panel = sorted[sorted.size() / 2];
+    std::vector<float> rows;
+    float weight = 0.0f, sum = 0.0f;
+    for (int y = top; y <= bottom; ++y)
+    {
+        const float ink = y < bottom ? panel - values[(size_t)(y - top)] : 0.0f;
+        if (ink > 0.05f)
+        {
+            weight += ink;
+            sum += ink * ((float)y + 0.5f);
+        }
+        else if (weight > 0.0f)
+        {
+            rows.push_back (sum / weight);
+            weight = sum = 0.0f;
+        }
+    }
+    return rows;
+}
+
+// The top of a bar's lit part, to a fraction of a pixel: the first row of the
+// bar's column that is wholly the bar's red, less how much of the row above it
+// covers.
+float barTop (const juce::Image& shot, int column, int top, int bottom)
+{
+    auto redness = [&] (int y)
+    {
+        const auto c = shot.getPixelAt (column, y);
+        return (float)c.getRed() - (float)c.getGreen();
+    };
+    float full = 0.0f;
+    for (int y = top; y < bottom; ++y)
+        full = std::max (full, redness (y));
+    if (full < 60.0f)
+        return -1.0f;
+    for (int y = top + 1; y < bottom; ++y)
+        if (redness (y) >= 0.9f * full)
+            return (float)y - juce::jlimit (0.0f, 1.0f, redness (y - 1) / full);
+    return -1.0f;
+}
+} // namespace
+
+// Each level bar reads true against its own scale: a sine of a known peak lights
+// the bar up to that level's mark, whatever the window's size.
+TEST_F (EditorWindow, LevelBarsReadTrueAgainstTheirOwnScale)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    const auto& info = processor.getDSPInfo();
+    // Bars and their scales in canvas units: the bar's column, a column through the
+    // ticks, and the track they share with the fader.
+    struct Bar
+    {
+        const char* name;
+        float barX, tickX;
+    };
+    const Bar bars[] = {{"input", 19.0f, 15.25f}, {"output", 335.0f, 331.25f}};
+    for (int percent : {100, 200})
+    {
+        prefs->setInt ("UIScale", percent);
+        auto opened = open (processor, prefs);
+        auto& editor = *opened.editor;
+        pump (200);
+        ASSERT_NE (info.meterMessaging, nullptr);
+        auto pixel = [&editor] (float x, float y) { return canvasToEditor (editor, {x, y}).roundToInt(); };
+        // Rising levels, so that each settles on the fast attack.
+        for (float level : {-24.0f, -12.0f, -6.0f})
+        {
+            MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (level),
+                                decibelsToGain (level), std::nullopt);
+            // The first level also lets a record left from before the window opened
+            // fall away at the bars' 250 ms release.
+            pump (level == -24.0f ? 1800 : 700);
+            const auto shot = capture (editor);
+            ASSERT_TRUE (shot.isValid());
+            if (level == -6.0f)
+                save (shot, "editor-meter-scale-" + juce::String (percent));
+            for (const auto& bar : bars)
+            {
+                SCOPED_TRACE (juce::String (bar.name) + " at " + juce::String (percent) + " %, " +
+                              juce::String (level) + " dBFS");
+                const int top = pixel (0.0f, 50.0f).y, bottom = pixel (0.0f, 276.0f).y;
+                const auto ticks = tickRows (shot, pixel (bar.tickX, 0.0f).x, top, bottom);
+                // 0 to -60 dB, a tick every 6 dB.
+                ASSERT_EQ (ticks.size(), 11u);
+                const float mark = ticks[(size_t)juce::roundToInt (-level / 6.0f)];
+                EXPECT_NEAR (barTop (shot, pixel (bar.barX, 0.0f).x, top, bottom), mark, 1.0f);
+            }
+        }
+    }
+    processor.releaseResources();
+}
+
+namespace
+{
+// How the gain-reduction history paints a point of the centre strip.
+enum class StripPaint
+{
+    plain,
+    area,
+    edge
+};
+
+StripPaint stripPaintAt (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    // White over the accent: the area lifts green from about 78 to 140, the edge
+    // to well over 200.
+    const int green = pixelAt (shot, editor, canvas).getGreen();
+    return green > 200 ? StripPaint::edge : green > 115 ? StripPaint::area : StripPaint::plain;
+}
+} // namespace
+
+// The history stands on the strip's bottom and falls from its top by the reduction,
+// newest on the left, within its own rectangle: 6 dB of reduction after a rest,
+// on a scale whose floor the rest has pinned at -12 dB, fills the newest columns
+// half way and the older ones wholly.
+TEST_F (EditorWindow, GainReductionHistoryAsDrawn)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "no meters without OpenGL 3.2";
+    TRQAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 256);
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    const auto& info = processor.getDSPInfo();
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    // With no reduction the floor rises to its upper limit, -12 dB, in 2.4 s.
+    pump (3000);
+    ASSERT_NE (info.meterMessaging, nullptr);
+    juce::Image shot;
+    {
+        MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, 0.1f, 0.1f, -6.0f);
+        pump (500);
+        shot = capture (editor);
+    }
+    ASSERT_TRUE (shot.isValid());
+    save (shot, "editor-history-6db");
+    const juce::Rectangle<float> strip (399.0f, 52.0f, 54.0f, 64.0f);
+    auto at = [&] (float x, float down)
+    { return stripPaintAt (shot, editor, strip.getPosition() + juce::Point<float> (x, down)); };
+    // Half of 6 dB on a 12 dB scale: the top edge 2 + 31 units above the bottom.
+    const float edgeDown = strip.getHeight() - 33.0f;
+    for (float x : {2.0f, 6.0f, 10.0f})
+    {
+        SCOPED_TRACE ("newest, column " + juce::String (x));
+        for (float down = 3.0f; down < edgeDown - 3.0f; down += 2.0f)
+            EXPECT_EQ (at (x, down), StripPaint::plain) << down;
+        for (float down = edgeDown + 3.0f; down < strip.getHeight() - 2.0f; down += 2.0f)
+            EXPECT_EQ (at (x, down), StripPaint::area) << down;
+        // A 2-unit edge line along the area's top.
+        int edgeRows = 0;
+        for (float down = edgeDown - 3.0f; down <= edgeDown + 3.0f; down += 0.25f)
+            edgeRows += at (x, down) == StripPaint::edge ? 1 : 0;
+        EXPECT_GE (edgeRows, 5) << "about 2 units of edge, in quarter steps";
+        EXPECT_LE (edgeRows, 12);
+    }
+    for (float x : {34.0f, 42.0f, 50.0f})
+        for (float down = 4.0f; down < strip.getHeight() - 2.0f; down += 4.0f)
+            EXPECT_EQ (at (x, down), StripPaint::area) << "older, column " << x << " at " << down;
+    // Nothing of it outside its rectangle.
+    for (auto outside : {juce::Point<float> (426.0f, 49.0f), juce::Point<float> (426.0f, 120.0f),
+                         juce::Point<float> (397.0f, 90.0f)})
+        EXPECT_EQ (stripPaintAt (shot, editor, outside), StripPaint::plain) << outside.toString();
+
+    // For the record, with the advanced pane open: the bars at -6 and -18 dBFS and
+    // 12 dB of reduction. The input bar reaches past -12 dB, the output bar stops
+    // short of it, and the history falls from the strip's top.
+    editor.setAdvancedPaneOpen (true, true);
+    {
+        MeterFeeder feeder (info.meterMessaging, info.numInputs, info.blockSize, decibelsToGain (-6.0f),
+                            decibelsToGain (-18.0f), -12.0f);
+        pump (1200);
+        shot = capture (editor);
+    }
+    save (shot, "editor-meters");
+    EXPECT_TRUE (isReddish (pixelAt (shot, editor, {19.0f, 54.0f + 218.0f * 10.0f / 60.0f})));
+    EXPECT_FALSE (isReddish (pixelAt (shot, editor, {335.0f, 54.0f + 218.0f * 14.0f / 60.0f})));
+    EXPECT_EQ (stripPaintAt (shot, editor, {403.0f, 56.0f}), StripPaint::plain);
+    processor.releaseResources();
+}
+
+namespace
+{
+// Keyboard focus to a component, asked until it stays for a moment: on a bare X
+// server a late answer to an earlier request may hand it back to the component that
+// had it before.
+bool focusOn (juce::Component& target)
+{
+    for (int attempt = 0; attempt < 40; ++attempt)
+    {
+        if (!target.hasKeyboardFocus (false))
+            target.grabKeyboardFocus();
+        pump (100);
+        if (target.hasKeyboardFocus (false))
+        {
+            pump (200);
+            if (target.hasKeyboardFocus (false))
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+// Tips name what the mouse rests on, the parameter for a control and the action
+// for a button; a press takes the tip away, and the tip's shadow margin lets the
+// mouse through to whatever lies under it.
+TEST_F (EditorWindow, TooltipsNameWhatTheMouseRestsOn)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    auto& tips = editor.getTooltipWindow();
+    auto centreOf = [&editor] (juce::Component& c)
+    { return editor.getRoot().getLocalArea (&c, c.getLocalBounds()).toFloat().getCentre(); };
+    auto restOn = [&] (juce::Point<float> canvas)
+    {
+        // The tip is placed by the pointer the X server reports: put it there too.
+        warpPointer (editor.localPointToGlobal (canvasToEditor (editor, canvas)).roundToInt());
+        mouseMove (editor, canvas);
+        mouseMove (editor, canvas + juce::Point<float> (0.5f, 0.0f));
+        // The tip comes after 700 ms of rest; the window looks eight times a second.
+        const auto before = tips.getTipShowing();
+        for (int waited = 0; waited < 2000 && tips.getTipShowing() == before; waited += 100)
+            pump (100);
+        pump (200);
+        return tips.getTipShowing();
+    };
+    const auto attack = centreOf (*editor.getControl (7));
+    EXPECT_EQ (restOn (attack), "Comp Attack Time Constant");
+    EXPECT_EQ (restOn (centreOf (*editor.getControl (16))), "HQ Mode");
+    EXPECT_EQ (restOn (centreOf (*editor.getToolbar()->getButton (TRQToolbar::Undo))), "Undo");
+    EXPECT_EQ (restOn (centreOf (*editor.getToolbar()->getButton (TRQToolbar::CopyAB))), "Copy A to B");
+    EXPECT_EQ (restOn (centreOf (editor.getHUD()->getButton (1))), "Noise Off");
+    EXPECT_EQ (restOn (TRQTaskButtons::frameOf (TRQTaskButtons::AdvancedControls).toFloat().getCentre()),
+               "Advanced Controls");
+
+    // The shadow margin passes the mouse on; the tip's box takes it.
+    EXPECT_EQ (restOn (attack), "Comp Attack Time Constant");
+    save (capture (editor), "editor-tooltip");
+    const auto tip = tips.getBounds();
+    const int margin = TRQLookAndFeel::tooltipMargin;
+    EXPECT_NE (editor.getRoot().getComponentAt (juce::Point<int> (tip.getX() + margin / 2, tip.getCentreY())),
+               &tips);
+    EXPECT_EQ (editor.getRoot().getComponentAt (tip.getCentre()), &tips);
+
+    // A press takes the tip away, and none comes while the button is down.
+    mouseDown (editor, attack);
+    pump (1200);
+    EXPECT_EQ (tips.getTipShowing(), "");
+    mouseUp (editor, attack);
+}
+
+namespace
+{
+float brightnessAt (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> canvas)
+{
+    return brightness (pixelAt (shot, editor, canvas));
+}
+
+// How many quarter units of a line across the ring differ from the plain ground.
+int ringQuarters (const juce::Image& shot, TRQAudioProcessorEditor& editor, juce::Point<float> from,
+                  juce::Point<float> to, float ground)
+{
+    int n = 0;
+    const int steps = juce::roundToInt (from.getDistanceFrom (to) * 4.0f);
+    for (int i = 0; i <= steps; ++i)
+        n += std::abs (brightnessAt (shot, editor, from + (to - from) * ((float)i / (float)steps)) - ground) >
+                     0.08f
+                 ? 1
+                 : 0;
+    return n;
+}
+} // namespace
+
+// The keyboard focus ring, drawn by the GL pass: 4 units wide around the control,
+// rounded with the control's corners, and a circle around the round power switch.
+TEST_F (EditorWindow, FocusRingTakesTheControlsShape)
+{
+    if (!expectsGL())
+        GTEST_SKIP() << "the ring is drawn by OpenGL";
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (false);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+
+    // The first focus after opening goes to the editor itself on a bare X server.
+    focusOn (*editor.getControl (1));
+    ASSERT_TRUE (focusOn (*editor.getControl (0)));
+    pump (300);
+    auto shot = capture (editor);
+    save (shot, "editor-focus-ring-power");
+    auto ring = editor.getGLState().ring.getRing();
+    EXPECT_FLOAT_EQ (ring.width, 4.0f);
+    EXPECT_FLOAT_EQ (ring.radius * 2.0f, ring.bounds.getWidth());
+    EXPECT_FLOAT_EQ (ring.bounds.getWidth(), ring.bounds.getHeight());
+    const auto centre = ring.bounds.getCentre();
+    const float strip = brightnessAt (shot, editor, {centre.x, ring.bounds.getY() - 8.0f});
+    // On the circle at 45 degrees, and nothing in the corner of its square.
+    const auto diagonal = juce::Point<float> (1.0f, 1.0f) / std::sqrt (2.0f);
+    EXPECT_GT (brightnessAt (shot, editor, centre + diagonal * ring.radius) - strip, 0.15f);
+    EXPECT_LT (std::abs (brightnessAt (shot, editor,
+                                       ring.bounds.getBottomRight() - juce::Point<float> (1.5f, 1.5f)) -
+                         strip),
+               0.05f);
+    const int across = ringQuarters (shot, editor, centre + juce::Point<float> (ring.radius - 5.0f, 0.0f),
+                                     centre + juce::Point<float> (ring.radius + 5.0f, 0.0f), strip);
+    EXPECT_NEAR (across, 16, 4) << "4 units of ring";
+
+    ASSERT_TRUE (focusOn (*editor.getControl (2)));
+    pump (300);
+    shot = capture (editor);
+    save (shot, "editor-focus-ring");
+    ring = editor.getGLState().ring.getRing();
+    EXPECT_FLOAT_EQ (ring.radius, 6.0f) << "the thumb's corners, 3 units out";
+    const float panel =
+        brightnessAt (shot, editor, ring.bounds.getTopLeft() - juce::Point<float> (6.0f, 0.0f));
+    EXPECT_TRUE (isReddish (pixelAt (shot, editor, {ring.bounds.getX(), ring.bounds.getCentreY()})));
+    EXPECT_LT (
+        std::abs (brightnessAt (shot, editor, ring.bounds.getTopLeft() - juce::Point<float> (1.0f, 1.0f)) -
+                  panel),
+        0.05f)
+        << "a rounded corner";
+    const int side = ringQuarters (shot, editor, {ring.bounds.getX() - 5.0f, ring.bounds.getCentreY() + 6.0f},
+                                   {ring.bounds.getX() + 2.0f, ring.bounds.getCentreY() + 6.0f}, panel);
+    EXPECT_NEAR (side, 16, 4) << "4 units of ring";
+}
+
+namespace
+{
 // Runs the processor on blocks of a sine until stopped, counting the blocks.
 class AudioRunner
 {
@@ -329,36 +693,6 @@ private:
 };
 } // namespace
 
-// The meters move on the GL thread from what the meter channel carries.
-TEST_F (EditorWindow, MetersFollowTheMeterChannel)
-{
-    if (!expectsGL())
-        GTEST_SKIP() << "no meters without OpenGL 3.2";
-    TRQAudioProcessor processor;
-    processor.prepareToPlay (48000.0, 256);
-    processor.getPluginState().setAdvancedPaneIsOpen (true);
-    auto opened = open (processor, prefs);
-    auto& editor = *opened.editor;
-    pump (200);
-    const auto messaging = processor.getDSPInfo().meterMessaging;
-    ASSERT_NE (messaging, nullptr);
-    {
-        MeterFeeder feeder (messaging, processor.getDSPInfo().numInputs, processor.getDSPInfo().blockSize,
-                            0.5f, -9.0f);
-        pump (1200);
-        const auto shot = capture (editor);
-        save (shot, "editor-meters");
-        // -6 dB of a [-60, 0] bar: the lower nine tenths are lit.
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {65.0f, 250.0f})));
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {381.0f, 250.0f})));
-        EXPECT_FALSE (isReddish (pixelAt (shot, editor, {65.0f, 56.0f})));
-        // Nine dB of reduction reach a good way down the history.
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {420.0f, 58.0f})) ||
-                     brightness (pixelAt (shot, editor, {420.0f, 58.0f})) < 0.95f);
-    }
-    processor.releaseResources();
-}
-
 // With the real signal chain running on a sine, the meters move by themselves.
 TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
 {
@@ -374,8 +708,8 @@ TEST_F (EditorWindow, MetersMoveWhileAudioPlays)
         pump (1500);
         const auto shot = capture (editor);
         save (shot, "editor-meters-audio");
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {67.0f, 265.0f})));
-        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {383.0f, 265.0f})));
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {19.0f, 265.0f})));
+        EXPECT_TRUE (isReddish (pixelAt (shot, editor, {335.0f, 265.0f})));
     }
     processor.releaseResources();
 }
@@ -487,6 +821,58 @@ TEST_F (EditorWindow, LanguageAndStyleChangeWhileOpen)
     EXPECT_LT (brightness (pixelAt (shot, editor, {20.0f, 338.0f})), 0.3f);
 }
 
+namespace
+{
+// The headings' ink along the top of both panes, as one number per column.
+std::vector<float> headingProfile (const juce::Image& shot, TRQAudioProcessorEditor& editor)
+{
+    std::vector<float> profile;
+    for (float x = 2.0f; x < 793.0f; x += 1.0f)
+    {
+        float ink = 0.0f;
+        for (float y = 8.0f; y < 30.0f; y += 1.0f)
+            ink += brightness (pixelAt (shot, editor, {x, y}));
+        profile.push_back (ink);
+    }
+    return profile;
+}
+} // namespace
+
+// Every label set in both styles, as a musician switches them in the open window:
+// each language writes headings of its own, each style its own panel.
+TEST_F (EditorWindow, EveryLanguageInBothStyles)
+{
+    TRQAudioProcessor processor;
+    processor.getPluginState().setAdvancedPaneIsOpen (true);
+    auto opened = open (processor, prefs);
+    auto& editor = *opened.editor;
+    for (int style : {0, 1})
+    {
+        editor.setDarkMode (style);
+        std::vector<float> english;
+        for (auto language : TRQLanguage::menuLanguages())
+        {
+            editor.setLanguage (language);
+            pump (400);
+            const auto shot = capture (editor);
+            save (shot, juce::String ("languages/editor-") + TRQLanguage::languageKey (language) +
+                            (style == 1 ? "-dark" : "-light"));
+            SCOPED_TRACE (TRQLanguage::languageKey (language) + (style == 1 ? " dark" : " light"));
+            EXPECT_EQ (brightness (pixelAt (shot, editor, {20.0f, 338.0f})) > 0.5f, style == 0);
+            const auto profile = headingProfile (shot, editor);
+            if (language == TRQLanguage::English)
+                english = profile;
+            else
+            {
+                float difference = 0.0f;
+                for (size_t i = 0; i < profile.size(); ++i)
+                    difference += std::abs (profile[i] - english[i]);
+                EXPECT_GT (difference, 50.0f) << "headings of their own";
+            }
+        }
+    }
+}
+
 // A locked parameter shows the lock in its corner; the power switch can't be locked.
 TEST_F (EditorWindow, LockMarkShowsOnLockedControls)
 {
@@ -513,43 +899,4 @@ TEST_F (EditorWindow, LockMarkShowsOnLockedControls)
     const auto shot = capture (*opened.editor);
     save (shot, "editor-lock");
     EXPECT_GT (darkPixels (shot, *opened.editor), unlocked + 10);
-}
-
-// Not a timed test: prints what an idle editor costs, for the record.
-TEST_F (EditorWindow, IdleCostIsMeasured)
-{
-    if (!expectsGL())
-        GTEST_SKIP();
-    TRQAudioProcessor processor;
-    for (int percent : {100, 200})
-    {
-        prefs->setInt ("UIScale", percent);
-        processor.getPluginState().setAdvancedPaneIsOpen (true);
-        auto opened = open (processor, prefs);
-        auto& editor = *opened.editor;
-        pump (500);
-        const int framesBefore = editor.getFramesRendered();
-        double timerTotal = 0.0, frameTotal = 0.0;
-        const int ticks = 60;
-        const auto cpuBefore = std::clock();
-        timespec threadBefore{}, threadAfter{};
-        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadBefore);
-        const double wallBefore = juce::Time::getMillisecondCounterHiRes();
-        for (int i = 0; i < ticks; ++i)
-        {
-            pump (16);
-            timerTotal += editor.getLastTimerMs();
-            frameTotal += editor.getLastFrameMs();
-        }
-        const double wall = juce::Time::getMillisecondCounterHiRes() - wallBefore;
-        const double cpu = 1000.0 * (double)(std::clock() - cpuBefore) / CLOCKS_PER_SEC;
-        clock_gettime (CLOCK_THREAD_CPUTIME_ID, &threadAfter);
-        const double messageCpu = (double)(threadAfter.tv_sec - threadBefore.tv_sec) * 1000.0 +
-                                  (double)(threadAfter.tv_nsec - threadBefore.tv_nsec) / 1.0e6;
-        std::cout << "[perf] " << percent << " %: timer tick " << timerTotal / ticks << " ms, GL frame "
-                  << frameTotal / ticks << " ms, frames/s "
-                  << (editor.getFramesRendered() - framesBefore) * 1000.0 / wall << ", message thread CPU "
-                  << 100.0 * messageCpu / wall << " %, process CPU (all threads) " << 100.0 * cpu / wall
-                  << " %\n";
-    }
 }

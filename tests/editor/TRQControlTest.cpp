@@ -4,6 +4,7 @@
 #include "editor/TRQKeyboardFocusTraverser.h"
 #include "editor/TRQParameterGestures.h"
 #include "editor/TRQSlider.h"
+#include "editor/TRQTextButton.h"
 #include "state/ParameterCatalogue.h"
 #include "state/ParameterRange.h"
 #include "state/TRQAudioParameter.h"
@@ -110,11 +111,25 @@ TEST (TRQHUDControl, OptionsFollowTheNoiseLevel)
     EXPECT_EQ (TRQHUDControl::optionFor (-96.0f), 1);
     EXPECT_EQ (TRQHUDControl::optionFor (-12.0f), -1);
     TRQAudioProcessor processor;
-    TRQParameterGestures gestures (processor);
+    RecordingGestures gestures (processor);
     TRQHUDControl hud (gestures);
     EXPECT_TRUE (hud.parameterChanged (-96.0f));
     EXPECT_EQ (hud.getSelectedOption(), 1);
     EXPECT_FALSE (hud.parameterChanged (-96.0f));
+    EXPECT_EQ (hud.getButton (1).getState(), 1);
+    EXPECT_EQ (hud.getButton (0).getState(), 0);
+
+    // One button per option, each setting its own value in a gesture; a press on the
+    // lit one changes nothing and leaves it lit.
+    hud.getButton (0).click();
+    EXPECT_FLOAT_EQ (processor.getAudioParameter (13).getRealValue(), 0.0f);
+    EXPECT_EQ (gestures.log, "b13e13");
+    hud.getButton (1).click();
+    hud.getButton (1).click();
+    EXPECT_FLOAT_EQ (processor.getAudioParameter (13).getRealValue(), -96.0f);
+    hud.parameterChanged (-96.0f);
+    EXPECT_EQ (hud.getButton (1).getState(), 1);
+    EXPECT_EQ (hud.getButton (0).getState(), 0);
 }
 
 TEST (TRQKeyboardFocusTraverser, TabOrderComesFromTheCatalogue)

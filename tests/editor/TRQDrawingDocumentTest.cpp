@@ -105,7 +105,9 @@ TEST_F (TRQDrawingDocument, TracksAreTheFifteenSlidersWithFramesFromTheBottom)
     }
     EXPECT_EQ (doc()["tracks"]["1"][0]["bounds"], json::parse ("[0,90,79,254]"));
     EXPECT_EQ (doc()["tracks"]["6"][0]["bounds"], json::parse ("[0,30,395,60]"));
-    EXPECT_EQ (doc()["tracks"]["1"][0]["d"].get<std::string>().substr (0, 11), "m 32.50 236");
+    // Paths in the control's own units: a main fader's ruler line starts at its
+    // track's bottom.
+    EXPECT_EQ (doc()["tracks"]["2"][0]["d"].get<std::string>().substr (0, 11), "m 32.50 236");
 }
 
 TEST_F (TRQDrawingDocument, StateTextsAreSparseAsDesigned)

@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <iostream>
 
 namespace
 {
@@ -143,15 +142,12 @@ TEST_F (HostedEditor, Vst3EditorShowsAndFollowsTheHost)
 {
     auto* power = HostedPlugin::parameterNamed (*instance, "Master On/Off");
     ASSERT_NE (power, nullptr);
-    const double start = juce::Time::getMillisecondCounterHiRes();
     std::unique_ptr<juce::AudioProcessorEditor> editor (instance->createEditorIfNeeded());
     ASSERT_NE (editor, nullptr);
     editor->setTopLeftPosition (30, 30);
     editor->addToDesktop (0);
     editor->setVisible (true);
     pump (1500);
-    std::cout << "[perf] hosted VST3 editor open and settled in "
-              << juce::Time::getMillisecondCounterHiRes() - start << " ms (includes 1.5 s of waiting)\n";
     EXPECT_GE (editor->getWidth(), 457);
     EXPECT_EQ (editor->getHeight(), 380);
 

@@ -12,6 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -612,6 +613,77 @@ struct Generator
         return buf;
     }
 
+    // Where a vertical fader's ruler line runs, and half the width of the thumb that
+    // rides on it; the editor's slider sizes its thumb by the same rule.
+    static double rulerX (const json& c)
+    {
+        const double w = c["frame"][2];
+        return c.value ("axis", w * 0.5 - 7.0);
+    }
+    static double thumbHalf (const json& c)
+    {
+        const double w = c["frame"][2], x = rulerX (c);
+        return std::min (19.0, std::min (x, w - x) - 1.0);
+    }
+
+    // WCAG contrast of two opaque colours given as 0..1 channels.
+    static double luminance (const std::vector<double>& c)
+    {
+        double l = 0;
+        const double weights[] = {0.2126, 0.7152, 0.0722};
+        for (int i = 0; i < 3; ++i)
+        {
+            const double v = c[(size_t) i];
+            l += weights[i] * (v <= 0.03928 ? v / 12.92 : std::pow ((v + 0.055) / 1.055, 2.4));
+        }
+        return l;
+    }
+    static double contrast (const std::vector<double>& a, const std::vector<double>& b)
+    {
+        const double la = luminance (a), lb = luminance (b);
+        return (std::max (la, lb) + 0.05) / (std::min (la, lb) + 0.05);
+    }
+
+    // The control's colour, desaturated by amount, darkened just enough to read at
+    // the given contrast on the thumb's face.
+    static json thumbText (const json& rgb, const std::vector<double>& face, double minContrast, double desaturate)
+    {
+        std::vector<double> c {(double) rgb[0] / 255.0, (double) rgb[1] / 255.0, (double) rgb[2] / 255.0};
+        const double grey = 0.299 * c[0] + 0.587 * c[1] + 0.114 * c[2];
+        for (auto& v : c)
+            v += (grey - v) * desaturate;
+        for (double k = 1.0; k > 0.0; k -= 0.01)
+        {
+            const std::vector<double> d {c[0] * k, c[1] * k, c[2] * k};
+            if (contrast (d, face) >= minContrast)
+                return rgba (std::round (d[0] * 255.0) / 255.0, std::round (d[1] * 255.0) / 255.0,
+                             std::round (d[2] * 255.0) / 255.0, 1.0);
+        }
+        return rgba (0, 0, 0, 1);
+    }
+
+    // Ticks every minor step and numbered ticks every major step of a level bar,
+    // on the bar's outer side, numbers right-aligned against the ticks.
+    void meterScale (PathWriter& p, const json& c)
+    {
+        const json& m = c["meter"];
+        const double barX = m["bar"][0];
+        const double lo = m["range"][0], hi = m["range"][1];
+        const double minor = m["minor"], major = m["major"];
+        const double iy = c["inner"][1], ih = c["inner"][3];
+        const double numberRight = barX - 4.5;
+        for (double v = hi; v >= lo - 1e-6; v -= minor)
+        {
+            const double y = iy + (hi - v) / (hi - lo) * ih;
+            const bool numbered = std::fabs (std::remainder (v, major)) < 1e-6;
+            const double length = numbered ? 3.5 : 2.0;
+            p.rect (barX - 0.5 - length, y - 0.3, length, 0.6);
+            if (numbered)
+                p.append (placeText (fonts, {markText (v)}, "en", 1.0, y - 5.0, numberRight - 1.0, 10.0,
+                                     TextStyle {7.0, false, Align::right}));
+        }
+    }
+
     json tracks()
     {
         json out;
@@ -619,7 +691,7 @@ struct Generator
         {
             const json& c = panel["controls"][std::to_string (id)];
             const bool horizontal = c.value ("horizontal", false);
-            const double w = c["frame"][2], h = c["frame"][3];
+            const double w = c["frame"][2];
             const double ix = c["inner"][0], iy = c["inner"][1], iw = c["inner"][2], ih = c["inner"][3];
             const double lo = c["range"][0], hi = c["range"][1];
             PathWriter p;
@@ -630,10 +702,12 @@ struct Generator
             else
                 for (double v = lo; v <= hi + 1e-6; v += (double) c["minor"])
                     minors.push_back (v);
-            const TextStyle numStyle {8.5, false, horizontal ? Align::centre : Align::left};
             if (! horizontal)
             {
-                const double cx = w * 0.5 - 7.0;
+                // Numbers stand clear of the thumb's reach, so that it never covers them.
+                const double cx = rulerX (c);
+                const double numbersLeft = cx + thumbHalf (c) + 2.5;
+                const TextStyle numStyle {8.5, false, Align::left};
                 p.move (cx, iy + ih);
                 p.line (cx + 0.5, iy + ih);
                 p.line (cx + 0.5, iy);
@@ -647,12 +721,15 @@ struct Generator
                     const double y = axisPos (c, m[0]);
                     p.rect (cx - 6, y - 0.5, 12, 1);
                     const double top = m[1], bottom = m[2];
-                    p.append (placeText (fonts, {markText (m[0])}, "en", cx + 9, top, w - cx - 10, bottom - top,
-                                         numStyle));
+                    p.append (placeText (fonts, {markText (m[0])}, "en", numbersLeft, top, w - numbersLeft - 1.0,
+                                         bottom - top, numStyle));
                 }
+                if (c.contains ("meter"))
+                    meterScale (p, c);
             }
             else
             {
+                // Numbers below the thumb's reach: it is 20 units thick around the line.
                 const double cy = id == 6 ? 24.0 : 18.0;
                 p.rect (ix, cy - 0.5, iw, 1);
                 for (double v : minors)
@@ -662,19 +739,21 @@ struct Generator
                     const double x = axisPos (c, m[0]);
                     p.rect (x - 0.5, cy - 6, 1, 12);
                     const double left = m[1], right = m[2];
-                    p.append (placeText (fonts, {markText (m[0])}, "en", left - 8, cy + 8, right - left + 16, 10,
+                    p.append (placeText (fonts, {markText (m[0])}, "en", left - 8, cy + 12, right - left + 16, 10,
                                          TextStyle {8.5, false, Align::centre}));
                 }
             }
-            (void) h;
             auto ruler = colourPair ("ruler");
             const json b = frameFromBottom (c["frame"]);
+            // Value text in the thumb: the control's colour, dark enough to read on the
+            // thumb's face; the second strength is the dimmed control's.
+            const std::vector<double> lightFace {1.0, 1.0, 1.0}, darkFace {0xf4 / 255.0, 0xf4 / 255.0, 0xf4 / 255.0};
             json list = json::array();
             list.push_back (element (p.str(), b, fillStyle (ruler["default"]), fillStyle (ruler["dark"])));
-            list.push_back (element ("", b, fillStyle (byteColour (c["light"], 0.8)),
-                                     fillStyle (byteColour (c["dark"], 0.6))));
-            list.push_back (element ("", b, fillStyle (byteColour (c["light"], 0.7)),
-                                     fillStyle (byteColour (c["dark"], 0.5))));
+            list.push_back (element ("", b, fillStyle (thumbText (c["light"], lightFace, 4.6, 0.0)),
+                                     fillStyle (thumbText (c["dark"], darkFace, 4.6, 0.0))));
+            list.push_back (element ("", b, fillStyle (thumbText (c["light"], lightFace, 3.0, 0.6)),
+                                     fillStyle (thumbText (c["dark"], darkFace, 3.0, 0.6))));
             out[std::to_string (id)] = list;
         }
         return out;
@@ -684,13 +763,14 @@ struct Generator
     static std::vector<double> captionBox (int id, const json& c)
     {
         const double w = c["frame"][2];
+        // The Mix caption ends where the thumb at 0 % begins.
         if (id == 6)
-            return {4, 14, 71, 22};
+            return {4, 14, 50, 22};
         if (id == 9 || id == 11 || id == 14)
             return {4, 38, w - 8, 18};
         if (c.value ("horizontal", false))
             return {4, 42, w - 8, 18};
-        return {2, 104, w - 4, 20};
+        return {4, 104, w - 8, 20};
     }
 
     json paramLabels()
@@ -737,7 +817,9 @@ struct Generator
                     }
                     else if (id == 16)
                     {
-                        d = placeText (fonts, {text}, "en", 0, 0, 26, 30, TextStyle {14, true, Align::centre});
+                        // The control centres this box on the line where the pane meets
+                        // its bottom bar; the word sits in the box's lower half, on the bar.
+                        d = placeText (fonts, {text}, "en", 0, 14, 26, 16, TextStyle {14, true, Align::centre});
                         b = bounds (0, 0, 26, 30);
                         def = fillStyle (rgba (1, 1, 1, v == 1 ? 1.0 : 0.5));
                     }
@@ -782,10 +864,15 @@ struct Generator
             json perLang;
             for (const auto& lang : languages)
             {
+                // One row per option, the first on top: each is a button of its own.
                 std::vector<std::string> lines = labels["hud"][o][lang];
+                std::string line;
+                for (const auto& word : lines)
+                    line += (line.empty() ? "" : " ") + word;
                 const bool emoji = lang == "emoji";
-                std::string d = placeText (fonts, lines, lang, 2, 1, w - 4, h - 2,
-                                           TextStyle {emoji ? 11.5 : 9.0, ! emoji, Align::centre});
+                const double rowH = (h - 2.0) / (double) labels["hud"].size();
+                std::string d = placeText (fonts, {line}, lang, 3, 1 + rowH * (double) o, w - 6, rowH,
+                                           TextStyle {emoji ? 10.0 : 8.5, ! emoji, Align::centre});
                 perLang[lang] = json::array ({element (d, frame, fillStyle (rgba (1, 1, 1, o == 0 ? 1.0 : 0.2)))});
             }
             options[std::to_string (o)] = perLang;
